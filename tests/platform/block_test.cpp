@@ -1,0 +1,123 @@
+// Memory blocks that grow.
+#include "platform/block.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "tests/support/fault_platform.h"
+
+namespace tabwerk::test {
+namespace {
+
+using platform::Block;
+
+class MemoryBlock : public testing::Test {
+ protected:
+  ~MemoryBlock() override { EXPECT_EQ(0, LiveBlocks()); }
+
+  static bool IsAll(Block const& block, std::size_t from, std::byte value) {
+    return std::all_of(block.data() + from, block.data() + block.size(),
+                       [value](std::byte byte) { return byte == value; });
+  }
+};
+
+TEST_F(MemoryBlock, StartsEmpty) {
+  Block const block;
+  EXPECT_EQ(0u, block.size());
+  EXPECT_EQ(nullptr, block.data());
+}
+
+TEST_F(MemoryBlock, ResetGivesZeroBytes) {
+  Block block;
+  ASSERT_TRUE(block.Resize(10));
+  std::fill_n(block.data(), 10, std::byte{7});
+  ASSERT_TRUE(block.Reset(100));
+  EXPECT_EQ(100u, block.size());
+  EXPECT_TRUE(IsAll(block, 0, std::byte{0}));
+}
+
+TEST_F(MemoryBlock, ResetToNothingFrees) {
+  Block block;
+  ASSERT_TRUE(block.Reset(100));
+  ASSERT_TRUE(block.Reset(0));
+  EXPECT_EQ(0u, block.size());
+  EXPECT_EQ(0, LiveBlocks());
+}
+
+TEST_F(MemoryBlock, NewBytesAreZeroAndOldOnesStay) {
+  Block block;
+  ASSERT_TRUE(block.Resize(1000));
+  std::fill_n(block.data(), 1000, std::byte{7});
+  ASSERT_TRUE(block.Resize(1));
+  EXPECT_EQ(std::byte{7}, block.data()[0]);
+  ASSERT_TRUE(block.Resize(1001));
+  EXPECT_EQ(std::byte{7}, block.data()[0]);
+  EXPECT_TRUE(IsAll(block, 1, std::byte{0}));
+}
+
+TEST_F(MemoryBlock, RecordsExactSizes) {
+  Block block;
+  for (std::size_t size = 12; size <= 12'000; size += 12) {
+    ASSERT_TRUE(block.Resize(size));
+    ASSERT_EQ(size, block.size());
+  }
+}
+
+TEST_F(MemoryBlock, AlternatingAppendsAreFast) {
+  FaultGuard const counts;
+  Block rows;
+  Block strings;
+  auto const begin = std::chrono::steady_clock::now();
+  for (int round = 0; round < 200'000; ++round) {
+    ASSERT_TRUE(rows.Resize(rows.size() + 12));
+    ASSERT_TRUE(strings.Resize(strings.size() + 10));
+  }
+  auto const time = std::chrono::steady_clock::now() - begin;
+  EXPECT_EQ(2'400'000u, rows.size());
+  EXPECT_EQ(2'000'000u, strings.size());
+  EXPECT_GT(std::chrono::seconds(1), time);
+  EXPECT_GT(400, counts.Count(kMemoryCalls));
+}
+
+TEST_F(MemoryBlock, FailureLeavesItAsItWas) {
+  Block block;
+  ASSERT_TRUE(block.Resize(3));
+  std::fill_n(block.data(), 3, std::byte{7});
+  FaultGuard faults;
+  faults.FailAt(1, Lasting::kForGood, kMemoryCalls);
+  EXPECT_FALSE(block.Resize(4));
+  EXPECT_FALSE(block.Reset(4));
+  EXPECT_EQ(3u, block.size());
+  EXPECT_TRUE(IsAll(block, 0, std::byte{7}));
+}
+
+TEST_F(MemoryBlock, GrowsExactlyWhereTheReserveDoesNotFit) {
+  Block block;
+  ASSERT_TRUE(block.Resize(1000));
+  FaultGuard faults;
+  faults.FailAt(1, Lasting::kOnce, kMemoryCalls);
+  EXPECT_TRUE(block.Resize(1001));
+  EXPECT_TRUE(faults.Fired());
+  EXPECT_EQ(2, faults.Count(kMemoryCalls));
+  EXPECT_EQ(1001u, block.size());
+}
+
+TEST_F(MemoryBlock, MovingHandsTheBytesOver) {
+  Block first;
+  ASSERT_TRUE(first.Reset(5));
+  std::byte const* const bytes = first.data();
+  Block second = std::move(first);
+  EXPECT_EQ(bytes, second.data());
+  Block third;
+  ASSERT_TRUE(third.Reset(9));
+  third = std::move(second);
+  EXPECT_EQ(bytes, third.data());
+  EXPECT_EQ(5u, third.size());
+  EXPECT_EQ(1, LiveBlocks());
+}
+
+}  // namespace
+}  // namespace tabwerk::test

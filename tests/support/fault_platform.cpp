@@ -1,0 +1,286 @@
+#include "tests/support/fault_platform.h"
+
+#include <array>
+#include <cassert>
+#include <set>
+#include <string_view>
+
+#include "tests/support/child_process.h"
+
+namespace tabwerk::test {
+namespace {
+
+struct Plan {
+  std::int64_t calls_left = 0;  // until the one that is meant; 0: none is
+  CallSet calls = 0;
+  bool kills = false;
+  bool lasting = false;
+  platform::Error error = platform::Error::kInputOutput;
+};
+
+struct State {
+  bool guarded = false;
+  bool failing = false;  // a lasting failure has begun
+  bool fired = false;
+  Plan plan;
+  std::array<std::int64_t, kCallKinds> counts = {};
+  std::vector<std::string> trace;
+  std::set<FILE*> failed_streams;
+  int open_streams = 0;
+  int live_blocks = 0;
+};
+
+State& TheState() {
+  static State state;
+  return state;
+}
+
+// Counts the call; true when it is to fail.
+bool MustFail(Call call) {
+  State& state = TheState();
+  if (!state.guarded) {
+    return false;
+  }
+  ++state.counts[static_cast<std::size_t>(call)];
+  Plan& plan = state.plan;
+  if ((plan.calls & Only(call)) == 0) {
+    return false;
+  }
+  if (state.failing) {
+    return true;
+  }
+  if (plan.calls_left == 0 || --plan.calls_left > 0) {
+    return false;
+  }
+  if (plan.kills) {
+    EndAtOnce(kKilledExitCode);
+  }
+  state.fired = true;
+  state.failing = plan.lasting;
+  return true;
+}
+
+std::string NameOf(zWString const& path) {
+  zSplitPath const split(path);
+  return (split.GetFileName() + split.GetExtension()).toUtf8();
+}
+
+void Note(std::string_view what, std::string const& operand) {
+  State& state = TheState();
+  if (state.guarded) {
+    state.trace.push_back(std::string(what) + " " + operand);
+  }
+}
+
+FILE* Opened(FILE* stream) {
+  TheState().open_streams += stream != nullptr ? 1 : 0;
+  return stream;
+}
+
+void MarkFailed(FILE* stream) { TheState().failed_streams.insert(stream); }
+
+void* Taken(void* block) {
+  TheState().live_blocks += block != nullptr ? 1 : 0;
+  return block;
+}
+
+}  // namespace
+
+FaultGuard::FaultGuard() {
+  State& state = TheState();
+  assert(!state.guarded);
+  state.guarded = true;
+  state.failing = false;
+  state.fired = false;
+  state.plan = Plan();
+  state.counts = {};
+  state.trace.clear();
+}
+
+FaultGuard::~FaultGuard() {
+  State& state = TheState();
+  state.guarded = false;
+  state.failing = false;
+  state.plan = Plan();
+  state.trace.clear();
+  state.failed_streams.clear();
+}
+
+void FaultGuard::FailAt(std::int64_t n, Lasting lasting, CallSet calls,
+                        platform::Error error) {
+  State& state = TheState();
+  state.failing = false;
+  state.fired = false;
+  state.plan = {n, calls, false, lasting == Lasting::kForGood, error};
+}
+
+void FaultGuard::KillAt(std::int64_t n, CallSet calls) {
+  TheState().plan = {n, calls, true, false, platform::Error::kInputOutput};
+}
+
+void FaultGuard::Disarm() {
+  TheState().failing = false;
+  TheState().plan = Plan();
+}
+
+bool FaultGuard::Fired() const { return TheState().fired; }
+
+std::int64_t FaultGuard::Count(CallSet calls) const {
+  std::int64_t sum = 0;
+  for (std::size_t kind = 0; kind < kCallKinds; ++kind) {
+    bool const wanted = (calls >> kind & 1) != 0;
+    sum += wanted ? TheState().counts[kind] : 0;
+  }
+  return sum;
+}
+
+std::vector<std::string> const& FaultGuard::Trace() const {
+  return TheState().trace;
+}
+
+int OpenStreams() { return TheState().open_streams; }
+
+int LiveBlocks() { return TheState().live_blocks; }
+
+}  // namespace tabwerk::test
+
+namespace tabwerk::platform {
+
+using test::Call;
+using test::MarkFailed;
+using test::MustFail;
+using test::TheState;
+
+FILE* OpenFile(zWString const& path, Mode mode, Share share, Error* error) {
+  test::Note("OpenFile", test::NameOf(path));
+  if (MustFail(Call::kOpenFile)) {
+    *error = TheState().plan.error;
+    return nullptr;
+  }
+  return test::Opened(os::OpenFile(path, mode, share, error));
+}
+
+FILE* OpenPlain(char const* path, char const* mode) {
+  test::Note("OpenPlain", test::NameOf(zWString::fromUtf8(path)));
+  return MustFail(Call::kOpenPlain) ? nullptr
+                                    : test::Opened(os::OpenPlain(path, mode));
+}
+
+std::size_t Read(FILE* stream, void* bytes, std::size_t size) {
+  if (MustFail(Call::kRead)) {
+    MarkFailed(stream);
+    return os::Read(stream, bytes, size / 2);
+  }
+  return os::Read(stream, bytes, size);
+}
+
+std::size_t Write(FILE* stream, void const* bytes, std::size_t size) {
+  if (MustFail(Call::kWrite)) {
+    MarkFailed(stream);
+    return os::Write(stream, bytes, size / 2);
+  }
+  return os::Write(stream, bytes, size);
+}
+
+bool WriteText(FILE* stream, std::u16string_view text) {
+  return !MustFail(Call::kWrite) && os::WriteText(stream, text);
+}
+
+bool Seek(FILE* stream, std::int64_t offset, Origin origin) {
+  return !MustFail(Call::kSeek) && os::Seek(stream, offset, origin);
+}
+
+std::int64_t Tell(FILE* stream) {
+  return MustFail(Call::kTell) ? -1 : os::Tell(stream);
+}
+
+std::int64_t FileSize(FILE* stream) {
+  return MustFail(Call::kFileSize) ? -1 : os::FileSize(stream);
+}
+
+bool Failed(FILE* stream) {
+  return TheState().failed_streams.count(stream) != 0 || os::Failed(stream);
+}
+
+bool Flush(FILE* stream) {
+  if (MustFail(Call::kFlush)) {
+    MarkFailed(stream);
+    return false;
+  }
+  return os::Flush(stream);
+}
+
+bool Sync(FILE* stream) {
+  if (MustFail(Call::kSync)) {
+    MarkFailed(stream);
+    return false;
+  }
+  return os::Sync(stream);
+}
+
+bool Close(FILE* stream) {
+  bool const must_fail = MustFail(Call::kClose);
+  TheState().failed_streams.erase(stream);
+  --TheState().open_streams;
+  return os::Close(stream) && !must_fail;
+}
+
+bool Exists(zWString const& path) {
+  return !MustFail(Call::kExists) && os::Exists(path);
+}
+
+Error Copy(zWString const& from, zWString const& to) {
+  test::Note("Copy", test::NameOf(from) + " > " + test::NameOf(to));
+  return MustFail(Call::kCopy) ? TheState().plan.error : os::Copy(from, to);
+}
+
+Error Delete(zWString const& path) {
+  test::Note("Delete", test::NameOf(path));
+  return MustFail(Call::kDelete) ? TheState().plan.error : os::Delete(path);
+}
+
+Error Replace(zWString const& from, zWString const& to) {
+  test::Note("Replace", test::NameOf(from) + " > " + test::NameOf(to));
+  return MustFail(Call::kReplace) ? TheState().plan.error
+                                  : os::Replace(from, to);
+}
+
+bool SyncFolderOf(zWString const& path) {
+  return !MustFail(Call::kSyncFolderOf) && os::SyncFolderOf(path);
+}
+
+bool ClearReadOnly(zWString const& path) {
+  test::Note("ClearReadOnly", test::NameOf(path));
+  return !MustFail(Call::kClearReadOnly) && os::ClearReadOnly(path);
+}
+
+zWString TempFolder() {
+  return MustFail(Call::kTempFolder) ? zWString() : os::TempFolder();
+}
+
+zWString MakeTempFile(zWString const& folder, char const* prefix) {
+  test::Note("MakeTempFile", prefix);
+  return MustFail(Call::kMakeTempFile) ? zWString()
+                                       : os::MakeTempFile(folder, prefix);
+}
+
+std::int64_t Now() { return os::Now(); }
+
+void* Allocate(std::size_t size) {
+  return MustFail(Call::kAllocate) ? nullptr : test::Taken(os::Allocate(size));
+}
+
+void* Reallocate(void* block, std::size_t size) {
+  if (MustFail(Call::kReallocate)) {
+    return nullptr;
+  }
+  void* const moved = os::Reallocate(block, size);
+  return block == nullptr ? test::Taken(moved) : moved;
+}
+
+void Free(void* block) {
+  TheState().live_blocks -= block != nullptr ? 1 : 0;
+  os::Free(block);
+}
+
+}  // namespace tabwerk::platform
