@@ -1,0 +1,20 @@
+// Comparison of definitions by the row records that they describe.
+#ifndef TABWERK_SCHEMA_LAYOUT_H
+#define TABWERK_SCHEMA_LAYOUT_H
+
+#include <cstdint>
+
+#include "DBDefinition.h"
+
+namespace tabwerk {
+
+// Bytes of a value of that type in a row record; 0 for an unknown type.
+std::int32_t ValueSize(DBType type) noexcept;
+
+// True when both describe the same row record: the same number of fields with
+// the same types and offsets, and the same record size.  Names do not count.
+bool SameLayout(DBDefinition const& left, DBDefinition const& right) noexcept;
+
+}  // namespace tabwerk
+
+#endif  // TABWERK_SCHEMA_LAYOUT_H

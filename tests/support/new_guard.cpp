@@ -1,0 +1,60 @@
+#include "tests/support/new_guard.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+bool armed = false;
+int calls_left = 0;  // until the first failing one; 0: it fails
+
+void* Obtain(std::size_t size) noexcept {
+  if (armed && (calls_left == 0 || --calls_left == 0)) {
+    return nullptr;
+  }
+  return std::malloc(size == 0 ? 1 : size);
+}
+
+}  // namespace
+
+// Both forms, and both forms of delete, so that sanitizers see pairs.
+void* operator new(std::size_t size) {
+  void* const block = Obtain(size);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+  return Obtain(size);
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+  return Obtain(size);
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, std::nothrow_t const&) noexcept {
+  std::free(block);
+}
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::nothrow_t const&) noexcept {
+  std::free(block);
+}
+
+namespace tabwerk::test {
+
+NewGuard::NewGuard(int n) {
+  calls_left = n;
+  armed = true;
+}
+
+NewGuard::~NewGuard() { armed = false; }
+
+bool NewGuard::Fired() const { return calls_left == 0; }
+
+bool NewGuard::Disarm() {
+  armed = false;
+  return Fired();
+}
+
+}  // namespace tabwerk::test

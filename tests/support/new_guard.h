@@ -1,0 +1,28 @@
+// Exhausted memory for tests: makes operator new fail.
+#ifndef TABWERK_TESTS_SUPPORT_NEW_GUARD_H
+#define TABWERK_TESTS_SUPPORT_NEW_GUARD_H
+
+namespace tabwerk::test {
+
+// While it lives, every call of operator new from the n-th (from 1) on fails
+// (std::bad_alloc, or null for the form that does not throw).  One at a time;
+// keep GoogleTest's own assertions out of its life.
+//
+// A sweep over all allocations ends with the first n at which Fired() stays
+// false.
+class NewGuard {
+ public:
+  explicit NewGuard(int n);
+  ~NewGuard();
+  NewGuard(NewGuard const&) = delete;
+  NewGuard& operator=(NewGuard const&) = delete;
+
+  // True once a call was made to fail.
+  bool Fired() const;
+  // Lets all calls work again; as Fired.
+  bool Disarm();
+};
+
+}  // namespace tabwerk::test
+
+#endif  // TABWERK_TESTS_SUPPORT_NEW_GUARD_H
