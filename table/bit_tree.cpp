@@ -1,0 +1,113 @@
+#include "table/bit_tree.h"
+
+#include <bit>
+
+namespace tabwerk {
+namespace {
+
+constexpr std::uint64_t kFull = ~std::uint64_t{0};
+
+std::uint64_t BitOf(std::size_t number) {
+  return std::uint64_t{1} << (number % 64);
+}
+
+std::size_t WordsFor(std::size_t bits) { return bits / 64 + (bits % 64 != 0); }
+
+// Lowest 0 bit of words at or above position from; nothing when there is none
+// in from's word.
+std::optional<std::size_t> LowestZeroInWord(
+    std::vector<std::uint64_t> const& words, std::size_t from) {
+  if (from / 64 >= words.size()) return std::nullopt;
+  std::uint64_t const zeros = ~words[from / 64] & (kFull << (from % 64));
+  if (zeros == 0) return std::nullopt;
+  return from / 64 * 64 + static_cast<std::size_t>(std::countr_zero(zeros));
+}
+
+}  // namespace
+
+BitTree::BitTree(std::size_t size) : size_(size), bits_(WordsFor(size)) {
+  for (std::size_t words = bits_.size(); words > 1; words = WordsFor(words)) {
+    used_.emplace_back(WordsFor(words));
+    full_.emplace_back(WordsFor(words));
+  }
+}
+
+void BitTree::Insert(std::size_t number) noexcept {
+  std::uint64_t* word = &bits_[number / 64];
+  bool was_used = *word != 0;
+  *word |= BitOf(number);
+  bool is_full = *word == kFull;
+  for (std::size_t level = 0; level < used_.size(); ++level) {
+    if (was_used && !is_full) return;
+    number /= 64;
+    std::uint64_t& used = used_[level][number / 64];
+    was_used = used != 0;
+    used |= BitOf(number);
+    std::uint64_t& full = full_[level][number / 64];
+    if (is_full) full |= BitOf(number);
+    is_full = is_full && full == kFull;
+  }
+}
+
+void BitTree::Remove(std::size_t number) noexcept {
+  std::uint64_t* word = &bits_[number / 64];
+  bool was_full = *word == kFull;
+  *word &= ~BitOf(number);
+  bool is_empty = *word == 0;
+  for (std::size_t level = 0; level < used_.size(); ++level) {
+    if (!was_full && !is_empty) return;
+    number /= 64;
+    std::uint64_t& full = full_[level][number / 64];
+    bool const level_was_full = was_full && full == kFull;
+    if (was_full) full &= ~BitOf(number);
+    was_full = level_was_full;
+    std::uint64_t& used = used_[level][number / 64];
+    if (is_empty) used &= ~BitOf(number);
+    is_empty = is_empty && used == 0;
+  }
+}
+
+std::size_t BitTree::Largest() const noexcept {
+  // The topmost level is one word.
+  std::size_t position = 0;
+  auto const descend = [&position](Words const& words) {
+    auto const zeros = std::countl_zero(words[position]);
+    position = position * 64 + 63 - static_cast<std::size_t>(zeros);
+  };
+  for (std::size_t level = used_.size(); level-- > 0;) descend(used_[level]);
+  descend(bits_);
+  return position;
+}
+
+std::size_t BitTree::Smallest() const noexcept {
+  std::size_t position = 0;
+  auto const descend = [&position](Words const& words) {
+    auto const zeros = std::countr_zero(words[position]);
+    position = position * 64 + static_cast<std::size_t>(zeros);
+  };
+  for (std::size_t level = used_.size(); level-- > 0;) descend(used_[level]);
+  descend(bits_);
+  return position;
+}
+
+std::optional<std::size_t> BitTree::LowestMissing(
+    std::size_t from) const noexcept {
+  if (from >= size_) return std::nullopt;
+  auto found = LowestZeroInWord(bits_, from);
+  // Up to the first level where a word behind from's is not full …
+  std::size_t level = 0;
+  for (; !found; ++level) {
+    if (level >= full_.size()) return std::nullopt;
+    from = from / 64 + 1;
+    found = LowestZeroInWord(full_[level], from);
+  }
+  // … and down again.
+  while (level-- > 0) {
+    Words const& below = level == 0 ? bits_ : full_[level - 1];
+    if (*found >= below.size()) return std::nullopt;
+    found = LowestZeroInWord(below, *found * 64);
+  }
+  return found && *found < size_ ? found : std::nullopt;
+}
+
+}  // namespace tabwerk

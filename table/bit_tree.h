@@ -1,0 +1,46 @@
+// A set of small numbers with fast searches.
+#ifndef TABWERK_TABLE_BIT_TREE_H
+#define TABWERK_TABLE_BIT_TREE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tabwerk {
+
+// A set of numbers below size(), one bit each.  Above the bits lie levels that
+// tell which words are empty and which are full, so that every operation looks
+// at one word per level (a factor of 64).
+class BitTree {
+ public:
+  BitTree() = default;
+  // An empty set.  Throws std::bad_alloc.
+  explicit BitTree(std::size_t size);
+
+  std::size_t size() const noexcept { return size_; }
+  bool Has(std::size_t number) const noexcept {
+    return (bits_[number / 64] >> (number % 64) & 1) != 0;
+  }
+  void Insert(std::size_t number) noexcept;
+  void Remove(std::size_t number) noexcept;
+  // Largest and smallest number of the set, which must not be empty.
+  std::size_t Largest() const noexcept;
+  std::size_t Smallest() const noexcept;
+  // Lowest number from `from` on, below size(), that the set does not have.
+  std::optional<std::size_t> LowestMissing(std::size_t from) const noexcept;
+
+ private:
+  using Words = std::vector<std::uint64_t>;
+
+  std::size_t size_ = 0;
+  Words bits_;
+  // Level k has a bit for each word of level k - 1 (of bits_ for k = 0): in
+  // used_ for one that is not 0, in full_ for one without a 0.
+  std::vector<Words> used_;
+  std::vector<Words> full_;
+};
+
+}  // namespace tabwerk
+
+#endif  // TABWERK_TABLE_BIT_TREE_H

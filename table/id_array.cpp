@@ -1,0 +1,37 @@
+#include "table/id_array.h"
+
+#include <limits>
+
+namespace tabwerk {
+
+IdArray::IdArray(std::int64_t first, std::int64_t last)
+    : first_(first),
+      rows_(static_cast<std::size_t>(last - first + 1)),
+      present_(rows_.size()) {}
+
+void IdArray::Set(std::int32_t id, std::int32_t row) noexcept {
+  std::size_t const position = Position(id);
+  rows_[position] = row;
+  if (present_.Has(position)) return;
+  present_.Insert(position);
+  ++count_;
+}
+
+bool IdArray::Remove(std::int32_t id) noexcept {
+  if (!Find(id)) return false;
+  present_.Remove(Position(id));
+  --count_;
+  return true;
+}
+
+std::optional<std::int32_t> IdArray::LowestFreeId(
+    std::int32_t from) const noexcept {
+  if (!Covers(from)) return from;
+  auto const position = present_.LowestMissing(Position(from));
+  if (position) return IdAt(*position);
+  std::int64_t const behind = first_ + static_cast<std::int64_t>(rows_.size());
+  if (behind > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
+  return static_cast<std::int32_t>(behind);
+}
+
+}  // namespace tabwerk

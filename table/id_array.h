@@ -1,0 +1,70 @@
+// IDs that lie close together, with a row number each.
+#ifndef TABWERK_TABLE_ID_ARRAY_H
+#define TABWERK_TABLE_ID_ARRAY_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "table/bit_tree.h"
+
+namespace tabwerk {
+
+// A map from ID to row: an array over a window of IDs, 4 bytes and one bit
+// each.
+class IdArray {
+ public:
+  // An empty map over no window.
+  IdArray() = default;
+  // An empty map over the IDs from first to last.  Throws std::bad_alloc.
+  IdArray(std::int64_t first, std::int64_t last);
+
+  std::size_t size() const noexcept { return count_; }
+  // Number of IDs in the window.
+  std::size_t WindowSize() const noexcept { return rows_.size(); }
+  bool Covers(std::int32_t id) const noexcept {
+    return id >= first_ && static_cast<std::size_t>(id - first_) < rows_.size();
+  }
+  std::optional<std::int32_t> Find(std::int32_t id) const noexcept {
+    if (!Covers(id) || !present_.Has(Position(id))) return std::nullopt;
+    return rows_[Position(id)];
+  }
+  // Enters an ID of the window or replaces its row.
+  void Set(std::int32_t id, std::int32_t row) noexcept;
+  // Removes an ID; false when the map does not have it.
+  bool Remove(std::int32_t id) noexcept;
+
+  // The map must not be empty.
+  std::int32_t LowestId() const noexcept { return IdAt(present_.Smallest()); }
+  std::int32_t LargestId() const noexcept { return IdAt(present_.Largest()); }
+  // Lowest ID from `from` on that the map does not have; nothing when all are
+  // taken.
+  std::optional<std::int32_t> LowestFreeId(std::int32_t from) const noexcept;
+
+  // Calls visit(id, row) for every entry in ascending order of ID.
+  template <typename Visit>
+  void ForEach(Visit visit) const {
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+      if (present_.Has(i)) visit(IdAt(i), rows_[i]);
+    }
+  }
+
+ private:
+  std::size_t Position(std::int32_t id) const noexcept {
+    return static_cast<std::size_t>(id - first_);
+  }
+  std::int32_t IdAt(std::size_t position) const noexcept {
+    return static_cast<std::int32_t>(first_ +
+                                     static_cast<std::int64_t>(position));
+  }
+
+  std::int64_t first_ = 0;
+  std::vector<std::int32_t> rows_;
+  BitTree present_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace tabwerk
+
+#endif  // TABWERK_TABLE_ID_ARRAY_H

@@ -1,0 +1,95 @@
+#include "table/row_walk.h"
+
+#include <vector>
+
+#include "schema/format.h"
+
+namespace tabwerk {
+namespace {
+
+std::int32_t SizeOf(DBType type) {
+  if (type == DBTypeReal) return format::kRealSize;
+  return type == DBTypeInteger ? format::kIntegerSize : format::kStringSize;
+}
+
+std::int32_t RecordSize(DBTabelle& table) {
+  DBDefinition const* const definition = TableAccess::Definition(table);
+  return definition == nullptr
+             ? 0
+             : static_cast<std::int32_t>(definition->GetMemorySize());
+}
+
+}  // namespace
+
+Column ColumnOf(DBTabelle& table, DBFeld const* field, DBType type) noexcept {
+  if (field == nullptr || field->type != type) return {};
+  std::int32_t const record_size = RecordSize(table);
+  std::int32_t const size = SizeOf(type);
+  if (field->offset < 0 || size > record_size ||
+      field->offset > record_size - size) {
+    return {};
+  }
+  return {field->offset};
+}
+
+Column SelectInteger(DBTabelle& table, char const* name) {
+  if (table.SelectColumn(name) == 0) return {};
+  return ColumnOf(table, TableAccess::Field(table), DBTypeInteger);
+}
+
+std::int64_t CountRows(DBTabelle& table) noexcept {
+  std::int64_t count = 0;
+  for (DBSubTable const& part : TableAccess::SubTables(table)) {
+    count += part.part->Rows();
+  }
+  return count;
+}
+
+void SelectEveryRow(DBTabelle& table) noexcept {
+  RowWalk walk(table);
+  if (walk.MoveTo(CountRows(table) - 1)) walk.Select();
+}
+
+RowWalk::RowWalk(DBTabelle& table) noexcept
+    : table_(table),
+      parts_(TableAccess::SubTables(table).data()),
+      part_count_(TableAccess::SubTables(table).size()),
+      record_size_(RecordSize(table)),
+      part_rows_(part_count_ == 0 ? 0 : parts_[0].part->Rows()) {}
+
+bool RowWalk::NextPart() noexcept {
+  std::size_t next = part_index_ + 1;
+  while (next < part_count_ && parts_[next].part->Rows() <= 0) ++next;
+  if (next >= part_count_) return false;
+  part_index_ = next;
+  part_row_ = -1;
+  part_rows_ = parts_[next].part->Rows();
+  return true;
+}
+
+bool RowWalk::MoveTo(std::int64_t row) noexcept {
+  std::int64_t first = 0;
+  for (std::size_t i = 0; row >= first && i < part_count_; ++i) {
+    std::int32_t const rows = parts_[i].part->Rows();
+    if (row - first < rows) {
+      part_index_ = i;
+      part_row_ = static_cast<std::int32_t>(row - first);
+      part_rows_ = rows;
+      row_ = row;
+      return true;
+    }
+    first += rows;
+  }
+  return false;
+}
+
+void RowWalk::Select() const noexcept {
+  if (row_ < 0) return;
+  for (std::size_t i = 0; i < part_index_; ++i) {
+    std::int32_t const rows = parts_[i].part->Rows();
+    if (rows > 0) parts_[i].row = rows - 1;
+  }
+  TableAccess::SetCurrent(table_, part_index_, part_row_, row_);
+}
+
+}  // namespace tabwerk

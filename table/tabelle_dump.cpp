@@ -1,0 +1,77 @@
+// The rows of one part as text.
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "DBTabelle.h"
+#include "platform/guarded.h"
+#include "platform/platform.h"
+#include "schema/bytes.h"
+#include "schema/part.h"
+#include "table/sub_table.h"
+
+namespace {
+
+using tabwerk::TablePart;
+
+// The stored value of a field as text; nothing when it lies outside its block.
+std::u16string ValueText(TablePart& part, std::int32_t row,
+                         DBDefinition const& definition, DBFeld const& field) {
+  auto const record_size =
+      static_cast<std::int32_t>(definition.GetMemorySize());
+  auto const* const record = part.Row(row, record_size);
+  if (record == nullptr) return {};
+  auto const* const value = record + field.offset;
+  switch (field.type) {
+    case DBTypeReal:
+      return std::u16string(
+          zWString(tabwerk::LoadValue<double>(value), 0).view());
+    case DBTypeInteger:
+      return std::u16string(
+          zWString::fromLatin1(
+              std::to_string(tabwerk::LoadValue<std::int32_t>(value)))
+              .view());
+    case DBTypeString: {
+      auto const text =
+          part.strings->Text(tabwerk::LoadValue<std::int32_t>(value));
+      return u"\"" + std::u16string(text.value_or(u"")) + u"\"";
+    }
+    case DBTypeUnknown:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+int DBTabelle::Dump(FILE* stream, wchar_t* separator, bool user) {
+  if (stream == nullptr) return 0;
+  std::size_t const index = user ? 1 : 0;
+  // Kept: the result is the number of rows plus 1, also for a part that does
+  // not exist; hosts tell it from the 0 of a missing stream.
+  if (index >= sub_tables_.size()) return 1;
+  DBSubTable& sub_table = sub_tables_[index];
+  auto const row_count = sub_table.part->Rows();
+  return tabwerk::Guarded(0, [&] {
+    std::u16string const between(zWString(separator).view());
+    std::u16string line;
+    for (std::int32_t row = 0; row < row_count; ++row) {
+      sub_table.row = row;
+      line.clear();
+      for (auto* field = definition_->GetDefinition(); field != nullptr;
+           field = field->next) {
+        if (field->name[0] != '\0') {
+          sub_table.field = field;
+          line += ValueText(*sub_table.part, row, *definition_, *field);
+        }
+        if (field->next != nullptr) line += between;
+      }
+      line += u'\n';
+      // Not examined, as write errors never were here: the host sees them in
+      // its stream.
+      (void)tabwerk::platform::WriteText(stream, line);
+    }
+    return row_count + 1;
+  });
+}

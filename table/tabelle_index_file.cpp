@@ -1,0 +1,203 @@
+// The sections of an index file: one index of one table each.
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "DBTabelle.h"
+#include "platform/guarded.h"
+#include "platform/platform.h"
+#include "schema/bytes.h"
+#include "table/id_index.h"
+#include "table/section_source.h"
+#include "table/table_access.h"
+
+using tabwerk::Guarded;
+using tabwerk::RowUpdate;
+using tabwerk::SectionSource;
+using tabwerk::StreamSource;
+using tabwerk::TableAccess;
+namespace platform = tabwerk::platform;
+
+namespace {
+
+using Values = std::vector<std::int32_t>;
+
+constexpr std::string_view kIdTag = "ID";
+constexpr std::string_view kFolgeTag = "FOLGE";
+constexpr std::string_view kStatusTag = "STATUS";
+
+// Values are read in pieces of this many, so that a count that is not true of
+// the file takes no memory.
+constexpr std::size_t kPieceValues = std::size_t{1} << 16;
+
+constexpr std::size_t kValueSize = sizeof(std::int32_t);
+
+// Results of writing and reading are not examined here: the caller asks the
+// stream when all sections are done.
+void WriteSection(FILE* f, std::string_view tag, std::size_t count,
+                  Values const& values) {
+  if (f == nullptr) return;
+  auto const stored_count = static_cast<std::int32_t>(count);
+  (void)platform::Write(f, tag.data(), tag.size());
+  (void)platform::Write(f, &stored_count, kValueSize);
+  if (values.empty()) return;
+  (void)platform::Write(f, values.data(), values.size() * kValueSize);
+}
+
+// True when the section has that tag; its bytes are consumed in either case.
+bool ReadTag(SectionSource& source, std::string_view tag) {
+  std::array<char, 8> found{};
+  std::size_t const size = source.Read(found.data(), tag.size());
+  return std::string_view(found.data(), size) == tag;
+}
+
+// Number of entries; 0 where the source ends before it.
+std::int32_t ReadCount(SectionSource& source) {
+  std::int32_t count = 0;
+  bool const read = source.Read(&count, kValueSize) == kValueSize;
+  return read ? std::max(count, 0) : 0;
+}
+
+// The next count values, or as many of them as the source has.
+Values ReadValues(SectionSource& source, std::size_t count) {
+  Values values;
+  while (values.size() < count) {
+    std::size_t const have = values.size();
+    std::size_t const piece = std::min(count - have, kPieceValues);
+    values.resize(have + piece);
+    std::size_t const read =
+        source.Read(values.data() + have, piece * kValueSize);
+    if (read == piece * kValueSize) continue;
+    values.resize(have + read / kValueSize);
+    break;
+  }
+  return values;
+}
+
+// Sets an index to as many entries of that value as its section announces, and
+// reads the section's values.  A source that ends early gives an index of the
+// announced size as long as that is small, else one for the values read.
+Values ReadEntries(SectionSource& source, Values* index, std::int32_t initial) {
+  index->clear();
+  auto const count = static_cast<std::size_t>(ReadCount(source));
+  return Guarded(Values(), [&] {
+    Values values = ReadValues(source, count);
+    index->assign(std::min(count, std::max(values.size(), kPieceValues)),
+                  initial);
+    return values;
+  });
+}
+
+}  // namespace
+
+void DBTabelle::WriteIndexID(FILE* f) {
+  Guarded(0, [&] {
+    auto const entries = id_index_->Entries();
+    Values values;
+    values.reserve(2 * entries.size());
+    for (auto const& [id, row] : entries) {
+      values.push_back(id);
+      values.push_back(row);
+    }
+    WriteSection(f, kIdTag, entries.size(), values);
+    return 1;
+  });
+}
+
+void DBTabelle::WriteIndexFolge(FILE* f) {
+  WriteSection(f, kFolgeTag, folge_index_.size(), folge_index_);
+}
+
+void DBTabelle::WriteIndexStatus(FILE* f) {
+  WriteSection(f, kStatusTag, status_index_.size(), status_index_);
+}
+
+void DBTabelle::ReadIndexID(FILE* f) {
+  StreamSource source(f);
+  TableAccess::ReadIds(*this, source);
+}
+
+void DBTabelle::ReadIndexFolge(FILE* f) {
+  StreamSource source(f);
+  TableAccess::ReadFolge(*this, source, RowUpdate::kRowsToo);
+}
+
+void DBTabelle::ReadIndexFolgeNoUpdate(FILE* f) {
+  StreamSource source(f);
+  TableAccess::ReadFolge(*this, source, RowUpdate::kIndexOnly);
+}
+
+void DBTabelle::ReadIndexStatus(FILE* f) {
+  StreamSource source(f);
+  TableAccess::ReadStatus(*this, source, RowUpdate::kRowsToo);
+}
+
+void DBTabelle::ReadIndexStatusNoUdate(FILE* f) {
+  StreamSource source(f);
+  TableAccess::ReadStatus(*this, source, RowUpdate::kIndexOnly);
+}
+
+namespace tabwerk {
+
+void TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
+  if (!ReadTag(source, kIdTag)) return;
+  auto& ids = Ids(table);
+  ids.Clear();
+  bool const complete = Guarded(false, [&] {
+    auto const count = static_cast<std::size_t>(ReadCount(source));
+    Values const values = ReadValues(source, 2 * count);
+    ids.Reserve(values.size() / 2);
+    for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
+      ids.Set(values[i], values[i + 1]);
+    }
+    return true;
+  });
+  if (!complete) ids.Clear();
+}
+
+void TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
+                            RowUpdate update) {
+  if (!ReadTag(source, kFolgeTag)) return;
+  auto& index = Folge(table);
+  Values const rows = ReadEntries(source, &index, -1);
+  bool const found = table.SelectColumn("FOLGE") == 1;
+  if (update == RowUpdate::kIndexOnly) {
+    std::copy(rows.begin(), rows.end(), index.begin());
+    return;
+  }
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (table.SelectZeile(static_cast<long>(rows[i])) == 0) continue;
+    auto const folge = static_cast<std::int32_t>(i);
+    if (found) {
+      table.SetWert(static_cast<long>(folge));
+    } else {
+      // Without the column only the index gets the value.
+      (void)FollowValue(table, 0, folge);
+    }
+  }
+}
+
+void TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
+                             RowUpdate update) {
+  if (!ReadTag(source, kStatusTag)) return;
+  auto& index = Status(table);
+  Values const values = ReadEntries(source, &index, 0);
+  bool const found = table.SelectColumn("STATUS") == 1;
+  bool const index_only = update == RowUpdate::kIndexOnly;
+  if (index_only) std::copy(values.begin(), values.end(), index.begin());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    // Kept: values beyond the last row fall on it, the last one winning.
+    table.SelectZeile(static_cast<long>(i));
+    if (index_only) continue;
+    if (found) {
+      table.SetWert(static_cast<long>(values[i]));
+    } else {
+      (void)FollowValue(table, 0, values[i]);
+    }
+  }
+}
+
+}  // namespace tabwerk

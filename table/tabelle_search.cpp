@@ -1,0 +1,136 @@
+// Selecting the row that has a value.
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "DBTabelle.h"
+#include "base/translation.h"
+#include "platform/guarded.h"
+#include "platform/numbers.h"
+#include "schema/bytes.h"
+#include "table/column_memory.h"
+#include "table/id_index.h"
+#include "table/row_lookups.h"
+#include "table/row_walk.h"
+#include "table/text_column.h"
+
+namespace {
+
+using tabwerk::ColumnMemory;
+using tabwerk::ColumnOf;
+using tabwerk::RowWalk;
+using tabwerk::platform::ParseInt32;
+using tabwerk::platform::ParseReal;
+
+// Goes through the rows below limit until matches(walk) gives a result, and
+// selects the row where that was, or the last one.  0 without a result.
+template <typename Matches>
+int Search(DBTabelle& table, std::int64_t limit, Matches const& matches) {
+  RowWalk walk(table);
+  std::optional<int> found;
+  while (!found && walk.row() + 1 < limit && walk.Next()) found = matches(walk);
+  walk.Select();
+  return found.value_or(0);
+}
+
+// Searches a column of numbers; a value that cannot be read ends the search.
+template <typename Stored, typename Value>
+int SearchNumber(DBTabelle& table, DBType type, Value value,
+                 std::int64_t limit) {
+  auto const column = ColumnOf(table, table.GetAktuelleFeldDef(), type);
+  return Search(table, limit, [&](RowWalk const& walk) -> std::optional<int> {
+    Stored stored{};
+    if (!walk.Read(column, &stored)) return 0;
+    if (stored == value) return 1;
+    return std::nullopt;
+  });
+}
+
+// As a search over all rows would, but by what the table remembers of them.
+int SelectRemembered(DBTabelle& table, tabwerk::TextLookup const& texts,
+                     std::u16string_view text) {
+  auto const row = texts.Find(table, text);
+  RowWalk walk(table);
+  walk.MoveTo(row ? *row : tabwerk::CountRows(table) - 1);
+  walk.Select();
+  return row ? 1 : 0;
+}
+
+int SearchText(DBTabelle& table, std::u16string_view text) {
+  auto const* const texts = tabwerk::TableAccess::NeedLookups(table).TextsOf(
+      table, table.GetAktuelleFeldDef());
+  if (texts != nullptr) return SelectRemembered(table, *texts, text);
+  tabwerk::TextColumn column(table, table.GetAktuelleFeldDef());
+  return Search(table, tabwerk::CountRows(table),
+                [&](RowWalk const& walk) -> std::optional<int> {
+                  auto const stored = column.Read(walk);
+                  if (!stored) return 0;
+                  if (*stored == text) return 1;
+                  return std::nullopt;
+                });
+}
+
+bool IsSearchable(DBType type) {
+  return type == DBTypeReal || type == DBTypeInteger || type == DBTypeString;
+}
+
+// The number of rows at which a search for a real in so many rows ends.
+// Kept: row i + 1 is looked at only while (i + 1) >> (rows mod 32) is 0.
+std::int64_t RealSearchLimit(std::int64_t rows) {
+  return std::min(rows, std::int64_t{1} << (rows % 32));
+}
+
+}  // namespace
+
+int DBTabelle::SelectZeile(char const* column, long value) {
+  bool const fits = tabwerk::FitsInt32(value);
+  if (column != nullptr && std::strcmp(column, "ID") == 0) {
+    if (!fits) return 0;
+    auto const row = id_index_->Find(static_cast<std::int32_t>(value));
+    return row ? SelectZeile(static_cast<long>(*row)) : 0;
+  }
+  if (column != nullptr && std::strcmp(column, "FOLGE") == 0) {
+    if (!fits || value < 0) return 0;
+    auto const place = static_cast<std::size_t>(value);
+    if (place >= folge_index_.size()) return 0;
+    return SelectZeile(static_cast<long>(folge_index_[place]));
+  }
+  ColumnMemory const memory(*this, column);
+  if (SelectColumn(column) == 0 || SelectZeile(0L) == 0) return 0;
+  return SearchNumber<std::int32_t>(*this, DBTypeInteger, value,
+                                    tabwerk::CountRows(*this));
+}
+
+int DBTabelle::SelectZeile(char const* column, double value) {
+  ColumnMemory const memory(*this, column);
+  if (SelectColumn(column) == 0 || SelectZeile(0L) == 0) return 0;
+  return SearchNumber<double>(*this, DBTypeReal, value,
+                              RealSearchLimit(tabwerk::CountRows(*this)));
+}
+
+int DBTabelle::SelectZeile(char const* column, wchar_t const* text) {
+  return tabwerk::Guarded(0, [&] {
+    zWString const searched(text);
+    ColumnMemory const memory(*this, column);
+    if (SelectColumn(column) == 0) return 0;
+    DBType const type = GetType();
+    if (!IsSearchable(type) || SelectZeile(0L) == 0) return 0;
+    auto const rows = tabwerk::CountRows(*this);
+    switch (type) {
+      case DBTypeReal:
+        return SearchNumber<double>(*this, type, ParseReal(searched.view()),
+                                    rows);
+      case DBTypeInteger:
+        return SearchNumber<std::int32_t>(*this, type,
+                                          ParseInt32(searched.view()), rows);
+      case DBTypeString:
+        return SearchText(*this, searched.view());
+      case DBTypeUnknown:
+        break;
+    }
+    return 0;
+  });
+}

@@ -1,0 +1,94 @@
+// The library's own access to tables.
+#ifndef TABWERK_TABLE_TABLE_ACCESS_H
+#define TABWERK_TABLE_TABLE_ACCESS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+#include "DBTabelle.h"
+#include "platform/block.h"
+#include "table/id_index.h"
+#include "table/sub_table.h"
+
+namespace tabwerk {
+
+class SectionSource;
+
+// What reading a section of an index file changes.
+enum class RowUpdate : std::uint8_t {
+  kIndexOnly,
+  kRowsToo,  // its values go into the rows as well
+};
+
+struct TableAccess {
+  static std::vector<DBSubTable>& SubTables(DBTabelle& table) {
+    return table.sub_tables_;
+  }
+  static IdIndex& Ids(DBTabelle& table) { return *table.id_index_; }
+  static std::vector<std::int32_t>& Folge(DBTabelle& table) {
+    return table.folge_index_;
+  }
+  static std::vector<std::int32_t>& Status(DBTabelle& table) {
+    return table.status_index_;
+  }
+  static long CurrentRow(DBTabelle const& table) { return table.current_row_; }
+  static std::size_t CurrentSubTable(DBTabelle const& table) {
+    return table.current_sub_table_;
+  }
+  // The part that the current row lies in, or null.
+  static DBSubTable* Current(DBTabelle& table) {
+    auto& parts = table.sub_tables_;
+    std::size_t const current = table.current_sub_table_;
+    return current < parts.size() ? &parts[current] : nullptr;
+  }
+
+  // What the table remembers of its rows, or null.
+  static RowLookups* Lookups(DBTabelle& table) { return table.lookups_.get(); }
+  // The same, made where there is none yet; throws std::bad_alloc.
+  static RowLookups& NeedLookups(DBTabelle& table);
+  static DBDefinition* Definition(DBTabelle& table) {
+    return table.definition_;
+  }
+  // The field of the column that was selected last, or null.
+  static DBFeld* Field(DBTabelle& table) { return table.current_field_; }
+  // Which index follows a value that is set: "FOLGE", "STATUS", "ID" or "".
+  static char const* FollowingIndex(DBTabelle const& table) {
+    if (table.folge_selected_) return "FOLGE";
+    if (table.status_selected_) return "STATUS";
+    return table.id_selected_ ? "ID" : "";
+  }
+  // Makes that row of that part current; row counts over all parts.
+  static void SetCurrent(DBTabelle& table, std::size_t part,
+                         std::int32_t part_row, std::int64_t row) {
+    table.sub_tables_[part].row = part_row;
+    table.current_sub_table_ = part;
+    table.current_row_ = static_cast<long>(row);
+  }
+
+  // Lets the index of the column that is selected (FOLGE, STATUS or ID) follow
+  // a value that the current row gets in place of old_value.  False, and no
+  // change, without memory.
+  static bool FollowValue(DBTabelle& table, std::int32_t old_value,
+                          std::int32_t value);
+
+  // Read one section of an index file, as the members of the same names do.
+  static void ReadIds(DBTabelle& table, SectionSource& source);
+  static void ReadFolge(DBTabelle& table, SectionSource& source,
+                        RowUpdate update);
+  static void ReadStatus(DBTabelle& table, SectionSource& source,
+                         RowUpdate update);
+
+  // Writes the texts of a part's rows at the stream's position, each with a
+  // copy of its own, in row and field order, and puts into *rows the part's row
+  // records as they address the written block.  The table is left as it is.
+  // False when the stream failed or memory is exhausted.  A text over
+  // format::kMaxTextUnits ends the process.
+  static bool WriteTexts(DBTabelle& table, std::size_t part, FILE* stream,
+                         platform::Block* rows);
+};
+
+}  // namespace tabwerk
+
+#endif  // TABWERK_TABLE_TABLE_ACCESS_H

@@ -1,0 +1,214 @@
+// The index of IDs, judged by the standard library's ordered map.
+#include "table/id_index.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <limits>
+#include <map>
+#include <random>
+#include <string>
+
+#include "table/bit_tree.h"
+
+namespace {
+
+using tabwerk::BitTree;
+using tabwerk::IdIndex;
+
+constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+
+using Model = std::map<std::int32_t, std::int32_t>;
+
+std::optional<std::int32_t> LowestFree(Model const& model, std::int32_t from) {
+  std::int64_t id = from;
+  for (auto entry = model.lower_bound(from);
+       entry != model.end() && entry->first == id; ++entry) {
+    ++id;
+  }
+  if (id > kLargest) return std::nullopt;
+  return static_cast<std::int32_t>(id);
+}
+
+// IDs as they come in tables: close together, around 20000, or anywhere.
+std::int32_t RandomId(std::mt19937& random, int kind) {
+  auto const between = [&random](std::int32_t first, std::int32_t last) {
+    return std::uniform_int_distribution<std::int32_t>(first, last)(random);
+  };
+  switch (kind) {
+    case 0:
+      return between(1, 300);
+    case 1:
+      return between(0, 1) == 0 ? between(1, 100) : between(20000, 20200);
+    case 2:
+      return between(kLargest - 200, kLargest);
+    case 3:
+      return between(kSmallest, kSmallest + 200);
+    case 4:
+      return between(-3000, 3000);
+    default:
+      return between(0, 9) == 0 ? between(kSmallest, kLargest)
+                                : between(0, 50) * 1'000'003;
+  }
+}
+
+void ExpectSame(Model const& model, IdIndex const& index) {
+  ASSERT_EQ(model.size(), index.size());
+  std::vector<IdIndex::Entry> const expected(model.begin(), model.end());
+  ASSERT_EQ(expected, index.Entries());
+  if (!model.empty()) {
+    ASSERT_EQ(model.rbegin()->first, index.LargestId());
+  }
+  for (std::int32_t const from : {0, 20000, kLargest - 100, kSmallest}) {
+    ASSERT_EQ(LowestFree(model, from), index.LowestFreeId(from));
+  }
+}
+
+void RunRandomly(std::uint32_t seed) {
+  std::mt19937 random(seed);
+  Model model;
+  IdIndex index;
+  int kind = 0;
+  for (int step = 0; step < 3000; ++step) {
+    if (step % 250 == 0) kind = static_cast<int>(random() % 6);
+    std::int32_t const id = RandomId(random, kind);
+    auto const action = random() % (step % 1000 < 600 ? 8U : 3U);
+    if (action == 0 || action == 2) {
+      model.erase(id);
+      index.Erase(id);
+    } else {
+      auto const row = static_cast<std::int32_t>(random()) >> (random() % 32);
+      model[id] = row;
+      index.Set(id, row);
+    }
+    auto const known = model.find(id);
+    ASSERT_EQ(
+        known == model.end() ? std::nullopt : std::optional(known->second),
+        index.Find(id));
+    if (step % 100 == 0) ExpectSame(model, index);
+  }
+  IdIndex const copy(index);
+  index.Clear();
+  ExpectSame(Model(), index);
+  ExpectSame(model, copy);
+}
+
+TEST(IdIndex, EqualsAnOrderedMapOnRandomOperations) {
+  for (std::uint32_t seed = 1; seed <= 60; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RunRandomly(seed);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(IdIndex, RowsOfAnyNumberArePresent) {
+  for (std::int32_t const distance : {1, 100'000'000}) {
+    IdIndex index;
+    index.Set(7, -1);
+    index.Set(7 + distance, kSmallest);
+    EXPECT_EQ(-1, index.Find(7));
+    EXPECT_EQ(kSmallest, index.Find(7 + distance));
+    EXPECT_EQ(std::nullopt, index.Find(8 + distance));
+  }
+}
+
+TEST(IdIndex, SmallestAndLargestIdAreIdsLikeOthers) {
+  IdIndex index;
+  index.Set(kSmallest, 1);
+  index.Set(kLargest, 2);
+  index.Set(0, 3);
+  EXPECT_EQ(1, index.Find(kSmallest));
+  EXPECT_EQ(kLargest, index.LargestId());
+  EXPECT_EQ(std::nullopt, index.LowestFreeId(kLargest));
+  index.Erase(kSmallest);
+  index.Erase(kLargest);
+  EXPECT_EQ(0, index.LargestId());
+  EXPECT_EQ(1u, index.size());
+}
+
+double Seconds(auto const& work) {
+  auto const start = std::chrono::steady_clock::now();
+  work();
+  std::chrono::duration<double> const seconds =
+      std::chrono::steady_clock::now() - start;
+  return seconds.count();
+}
+
+// Far above what linear work needs, far below what quadratic work does.
+constexpr double kEnoughSeconds = 5;
+
+TEST(IdIndex, NewLargestIdThatGoesAgainIsFoundQuickly) {
+  for (std::int32_t const distance : {1, 4000}) {
+    IdIndex index;
+    EXPECT_GT(kEnoughSeconds, Seconds([&] {
+                for (std::int32_t i = 0; i < 200'000; ++i) {
+                  index.Set(20'000 + i * distance, i);
+                  std::int32_t const largest = index.LargestId();
+                  index.Set(largest + 1, i);
+                  index.Erase(largest + 1);
+                }
+              }));
+    EXPECT_EQ(200'000u, index.size());
+  }
+}
+
+TEST(IdIndex, FreeIdsAtTheEndOfTheRangeAreFoundQuickly) {
+  for (std::int32_t const first : {0, -1'000'000'000}) {
+    IdIndex index;
+    index.Set(first, 0);
+    index.Set(kLargest, 0);
+    EXPECT_GT(kEnoughSeconds, Seconds([&] {
+                for (std::int32_t i = 0; i < 200'000; ++i) {
+                  std::int32_t const id = index.LowestFreeId(20'000).value();
+                  ASSERT_EQ(20'000 + i, id);
+                  index.Set(id, i);
+                }
+              }));
+  }
+}
+
+TEST(IdIndex, ScatteredIdsAreFoundQuickly) {
+  IdIndex index;
+  EXPECT_GT(kEnoughSeconds, Seconds([&] {
+              std::uint32_t id = 1;
+              for (std::int32_t i = 0; i < 500'000; ++i) {
+                id = id * 2654435761U + 12345U;
+                index.Set(static_cast<std::int32_t>(id), i);
+              }
+              for (std::int32_t i = 0; i < 500'000; ++i) {
+                index.Set(i << 12, i);
+              }
+            }));
+}
+
+TEST(IdIndex, FarIdThatComesAndGoesDoesNotRebuildEachTime) {
+  IdIndex index;
+  for (std::int32_t i = 0; i < 200'000; ++i) index.Set(i, i);
+  EXPECT_GT(kEnoughSeconds, Seconds([&] {
+              for (std::int32_t i = 0; i < 200'000; ++i) {
+                index.Set(kLargest, 0);
+                index.Erase(kLargest);
+                index.Set(200'000 + i % 2, 0);
+                if (i % 2 == 1) index.Erase(200'001);
+              }
+            }));
+}
+
+TEST(BitTree, FindsTheEndsAndTheGaps) {
+  for (std::size_t const size : {1u, 63u, 64u, 65u, 4096u, 4097u, 300'000u}) {
+    BitTree tree(size);
+    for (std::size_t i = 0; i < size; ++i) tree.Insert(i);
+    EXPECT_EQ(std::nullopt, tree.LowestMissing(0)) << size;
+    EXPECT_EQ(size - 1, tree.Largest());
+    tree.Remove(size - 1);
+    EXPECT_EQ(size - 1, tree.LowestMissing(0));
+    tree.Remove(size / 2);
+    EXPECT_EQ(size / 2, tree.LowestMissing(size / 3));
+    tree.Insert(size - 1);
+    EXPECT_EQ(std::nullopt, tree.LowestMissing(size / 2 + 1));
+    EXPECT_EQ(std::nullopt, tree.LowestMissing(size));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,176 @@
+// What a table remembers of its rows is exactly what a pass over them gives.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "DBbase.h"
+#include "schema/bytes.h"
+#include "tests/support/table_builder.h"
+
+namespace tabwerk::test {
+namespace {
+
+constexpr char kDefinition[] =
+    "integer ID,integer STATUS,string NAME,real PRICE,string NOTE\n";
+
+class Lookups : public testing::Test {
+ protected:
+  Lookups() : made_(kDefinition, 2), table_(made_.table) {
+    made_.AddRows(0, {"1|0|Anna|1|x", "2|1|#TS(Bert¬Bertil)TS~|2|", "3|0||3|"});
+    made_.AddRows(1, {"20000|0|Anna|4|y"});
+  }
+  ~Lookups() override { DBbase::SetSprache(0); }
+
+  // The same question to a table that remembers nothing.
+  std::string PlainSearch(char const* column, std::wstring const& text) {
+    DBTabelle fresh(table_);
+    auto const found = fresh.SelectZeile(column, text.c_str());
+    return std::to_string(found) + " " + Selected(fresh);
+  }
+  std::string Search(char const* column, std::wstring const& text) {
+    auto const found = table_.SelectZeile(column, text.c_str());
+    return std::to_string(found) + " " + Selected(table_);
+  }
+  std::string PlainCount() {
+    DBTabelle fresh(table_);
+    auto const count = fresh.GetAnzahlAktiveZeilen();
+    return std::to_string(count) + " " + Selected(fresh);
+  }
+  std::string Count() {
+    auto const count = table_.GetAnzahlAktiveZeilen();
+    return std::to_string(count) + " " + Selected(table_);
+  }
+
+  TestTable made_;
+  DBTabelle& table_;
+};
+
+std::wstring RandomText(std::mt19937* random) {
+  static constexpr wchar_t const* kTexts[] = {L"",
+                                              L"Anna",
+                                              L"Bert",
+                                              L"a much longer text",
+                                              L"y",
+                                              L"#TS(Bert\u00AC"
+                                              L"Bertil)TS~",
+                                              L"Bertil",
+                                              L"x"};
+  return kTexts[(*random)() % std::size(kTexts)];
+}
+
+// One random change of any kind.
+void Change(TestTable* made, DBTabelle* other, std::mt19937* random) {
+  auto& table = (*random)() % 16 == 0 ? *other : made->table;
+  auto const rows = static_cast<unsigned>(table.GetAnzahlZeilen());
+  static constexpr char const* kColumns[] = {"ID",    "STATUS", "NAME",
+                                             "PRICE", "NOTE",   "NONE"};
+  table.SelectColumn(kColumns[(*random)() % std::size(kColumns)]);
+  table.SelectZeile(static_cast<long>((*random)() % (rows + 1)));
+  switch ((*random)() % 8) {
+    case 0:
+      table.NeueZeile((*random)() % 4 != 0);
+      break;
+    case 1:
+      DBbase::SetSprache(static_cast<short>((*random)() % 2));
+      break;
+    case 2:
+      table.SetWert(1.5);
+      break;
+    case 3:
+    case 4:
+      table.SetWert(static_cast<long>((*random)() % 3));
+      break;
+    default:
+      // A text on a column of numbers may overwrite another row's text.
+      if (table.GetType() == DBTypeString || (*random)() % 16 == 0) {
+        table.SetWert(RandomText(random).c_str());
+      }
+  }
+}
+
+TEST_F(Lookups, AgreeWithAPassOverTheRowsOnRandomChanges) {
+  auto const seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  for (int round = 0; round < 200; ++round) {
+    TestTable made(kDefinition, 2);
+    made.AddRows(0, {"1|0|Anna|1|x", "2|1|Bert|2|", "3|0||3|"});
+    DBTabelle other(made.table);
+    for (int i = 0; i < 60; ++i) {
+      Change(&made, &other, &random);
+      auto const* const column = random() % 4 == 0 ? "NOTE" : "NAME";
+      auto const text = RandomText(&random);
+      DBTabelle fresh(made.table);
+      auto const expected = fresh.SelectZeile(column, text.c_str());
+      ASSERT_EQ(expected, made.table.SelectZeile(column, text.c_str()));
+      ASSERT_EQ(Selected(fresh), Selected(made.table));
+      fresh = made.table;
+      auto const count = fresh.GetAnzahlAktiveZeilen();
+      ASSERT_EQ(count, made.table.GetAnzahlAktiveZeilen());
+      ASSERT_EQ(Selected(fresh), Selected(made.table));
+    }
+  }
+}
+
+TEST_F(Lookups, FindTheFirstOfSeveralRows) {
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(PlainSearch("NAME", L"Anna"), Search("NAME", L"Anna"));
+  }
+  table_.SelectColumn("NAME");
+  table_.SelectZeile(0L);
+  EXPECT_EQ(1, table_.SetWert(L"Annabel the first"));
+  EXPECT_EQ(PlainSearch("NAME", L"Anna"), Search("NAME", L"Anna"));
+}
+
+TEST_F(Lookups, FollowTheLanguage) {
+  for (int const language : {0, 0, 1, 1, 0}) {
+    DBbase::SetSprache(static_cast<short>(language));
+    EXPECT_EQ(PlainSearch("NAME", L"Bert"), Search("NAME", L"Bert"));
+    EXPECT_EQ(PlainSearch("NAME", L"Bertil"), Search("NAME", L"Bertil"));
+  }
+}
+
+TEST_F(Lookups, NoticeChangesThroughAnotherTable) {
+  DBTabelle other(table_);
+  Search("NAME", L"Zoe");
+  Search("NAME", L"Zoe");
+  Count();
+  other.SelectColumn("NAME");
+  other.SelectZeile(1L);
+  EXPECT_EQ(1, other.SetWert(L"Zoe"));
+  other.SelectColumn("STATUS");
+  EXPECT_EQ(1, other.SetWert(0L));
+  EXPECT_EQ(PlainSearch("NAME", L"Zoe"), Search("NAME", L"Zoe"));
+  EXPECT_EQ(PlainCount(), Count());
+}
+
+TEST_F(Lookups, NoticeChangesOfABlockThatTheHostHolds) {
+  Search("NAME", L"");
+  Search("NAME", L"");
+  Count();
+  auto const size = static_cast<std::size_t>(made_.Part(0).row_block_size);
+  auto* const rows = static_cast<std::byte*>(table_.SetMemory(size, 0));
+  EXPECT_EQ(PlainCount(), Count());
+  StoreValue(rows + 4, std::int32_t{1});
+  EXPECT_EQ(PlainCount(), Count());
+}
+
+// Two rows that share a text change together when it is overwritten in place.
+TEST_F(Lookups, NoticeTextsThatRowsShare) {
+  auto& part = made_.Part(0);
+  auto const record =
+      static_cast<std::int32_t>(made_.entry->GetDefinition()->GetMemorySize());
+  auto const shared = LoadValue<std::int32_t>(part.Row(0, record) + 8);
+  StoreValue(part.Row(1, record) + 8, shared);
+  ++part.revision;
+  Search("NAME", L"Eva");
+  Search("NAME", L"Eva");
+  table_.SelectColumn("NAME");
+  table_.SelectZeile(1L);
+  EXPECT_EQ(1, table_.SetWert(L"Eva"));
+  EXPECT_EQ("1 NAME@0", Search("NAME", L"Eva"));
+}
+
+}  // namespace
+}  // namespace tabwerk::test
