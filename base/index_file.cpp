@@ -1,0 +1,112 @@
+#include "base/index_file.h"
+
+#include <string>
+
+#include "base/opened_tables.h"
+#include "platform/platform.h"
+#include "schema/directory_access.h"
+#include "schema/format.h"
+
+namespace tabwerk {
+
+zWString IndexPath(DBDirectory const& directory) {
+  auto const user_file = directory.GetUserFile();
+  if (user_file <= 0) return {};
+  zSplitPath const path(
+      directory.GetFileiName(static_cast<std::size_t>(user_file)));
+  return path.GetDrive() + path.GetDirectory() + directory.GetName() +
+         zWString::fromLatin1(format::kIndexFileExtension);
+}
+
+zWString PendingIndexPath(zWString const& index_path, std::int64_t time_stamp) {
+  return index_path + zWString::fromLatin1("." + std::to_string(time_stamp));
+}
+
+bool LoadedTables(DBDirectory const& directory,
+                  std::vector<DBTabelle*>* tables) {
+  bool all = true;
+  for (auto* entry = directory.GetEntries(); entry != nullptr;
+       entry = entry->GetNext()) {
+    auto* const table = OpenedTables::Current(*entry);
+    bool loaded = table != nullptr && entry->GetNumberOfParts() > 0;
+    for (auto const& part : DirectoryAccess::Parts(*entry)) {
+      loaded = loaded && part->loaded;
+    }
+    if (loaded) tables->push_back(table);
+    all = all && loaded;
+  }
+  return all;
+}
+
+std::size_t StampBytes(DBDirectory const& directory) {
+  return directory.GetNumberFiles() * sizeof(std::int64_t);
+}
+
+namespace {
+
+// Far more than any index has; a larger file is none.
+constexpr std::int64_t kLargestIndex = std::int64_t{1} << 32U;
+
+std::optional<platform::Block> ReadWhole(FILE* stream) {
+  platform::Block content;
+  auto const size = platform::FileSize(stream);
+  if (size < 0) return std::nullopt;
+  // Too much to be an index: nothing of it is needed to tell so.
+  if (size > kLargestIndex) return content;
+  auto const bytes = static_cast<std::size_t>(size);
+  if (!content.Reset(bytes) ||
+      platform::Read(stream, content.data(), bytes) != bytes) {
+    return std::nullopt;
+  }
+  return content;
+}
+
+}  // namespace
+
+std::optional<platform::Block> ReadIndexBytes(zWString const& path,
+                                              bool* missing) {
+  auto error = platform::Error::kNone;
+  auto* const stream = platform::OpenFile(path, platform::Mode::kRead,
+                                          platform::Share::kDenyAll, &error);
+  // Asked twice, because an index that counts as missing is written anew.
+  *missing = stream == nullptr && error == platform::Error::kNotFound &&
+             !platform::Exists(path);
+  if (stream == nullptr) return std::nullopt;
+  auto content = ReadWhole(stream);
+  // Not examined: the stream was only read.
+  (void)platform::Close(stream);
+  return content;
+}
+
+void BuildIndices(std::vector<DBTabelle*> const& tables) {
+  for (auto* table : tables) {
+    table->MakeIndexID();
+    table->MakeIndexFolge();
+    table->MakeIndexStatus();
+  }
+}
+
+bool WriteIndex(zWString const& path, std::vector<long long> const& time_stamps,
+                std::vector<DBTabelle*> const& tables) {
+  auto error = platform::Error::kNone;
+  auto* const stream = platform::OpenFile(path, platform::Mode::kCreate,
+                                          platform::Share::kDenyAll, &error);
+  if (stream == nullptr) return false;
+  for (auto const stamp : time_stamps) {
+    platform::Write(stream, &stamp, sizeof stamp);
+  }
+  for (auto* table : tables) {
+    BuildIndices({table});
+    table->WriteIndexID(stream);
+    table->WriteIndexFolge(stream);
+    table->WriteIndexStatus(stream);
+  }
+  bool ok = platform::Sync(stream) && !platform::Failed(stream);
+  ok = platform::Close(stream) && ok;
+  // The result of the deletion is not examined: what is left is overwritten by
+  // the next attempt.
+  if (!ok) (void)platform::Delete(path);
+  return ok;
+}
+
+}  // namespace tabwerk

@@ -1,0 +1,82 @@
+// One save of a database file: from the tables in memory to the replaced file.
+#ifndef TABWERK_BASE_SAVE_H
+#define TABWERK_BASE_SAVE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+#include "DBDirectory.h"
+#include "DBTabelle.h"
+#include "ztypes.h"
+
+namespace tabwerk {
+
+// Writes the data of one file of a database to a path, in steps that leave the
+// old file, its index and the tables in memory untouched until the new file
+// takes the old one's place in one move:
+//
+//   1. the blocks of all tables into a temporary file ("dta…")
+//   2. header, directory and those blocks into a second one ("dir…")
+//   3. the index for the new file beside the old index
+//   4. a trial copy beside the target, on the disk
+//   5. the trial copy moves onto the target
+//   6. the new index moves onto the old one
+//
+// A save is used once.  The two temporary files stay when it fails.
+class Save {
+ public:
+  // The data are those of file `file`; both arguments are borrowed.
+  Save(DBDirectory& directory, std::size_t file, zWString target);
+  Save(Save const&) = delete;
+  Save& operator=(Save const&) = delete;
+  ~Save();
+
+  // True when the target was replaced; the directory's streams are then
+  // closed.  May throw std::bad_alloc before step 5, with the effect of false.
+  bool Run();
+
+ private:
+  struct TempFile {
+    zWString path;
+    FILE* stream = nullptr;
+  };
+  // What a save changes of an entry, as it was before.
+  struct EntryState {
+    std::size_t part_count;
+    std::int32_t row_block_size;
+    std::int32_t row_block_offset;
+    std::int32_t string_block_offset;
+    std::int32_t string_block_size;
+  };
+
+  bool PrepareParts();
+  bool WriteTables();
+  bool WriteTable(DBTabelle& table, DBDirEntry& entry, std::int64_t* end);
+  bool WriteDatabaseFile();
+  bool IndexFitsFiles() const;
+  bool PrepareIndex();
+  bool PrepareTrialCopy();
+  bool ReplaceTarget();
+  void FinishIndex() noexcept;
+  void RestoreEntries() noexcept;
+  std::int64_t LastTimeStamp() const;
+
+  DBDirectory& directory_;
+  std::size_t file_;
+  zWString target_;
+  zWString trial_copy_;  // empty until it is begun
+  zWString index_;
+  zWString pending_index_;
+  std::int64_t time_stamp_ = 0;
+  std::vector<DBTabelle*> tables_;
+  std::vector<EntryState> entries_;
+  TempFile data_;
+  TempFile container_;
+  bool replaced_ = false;
+};
+
+}  // namespace tabwerk
+
+#endif  // TABWERK_BASE_SAVE_H

@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include "base/manager_access.h"
+#include "tests/support/database_fixture.h"
+
+namespace tabwerk::test {
+namespace {
+
+class ManagerCatalogue : public DatabaseTest {
+ protected:
+  static void Init(std::vector<std::string> const& names) {
+    std::vector<zWString> wide;
+    std::vector<std::vector<zWString>> files;
+    for (auto const& name : names) {
+      wide.push_back(W(name));
+      files.push_back({W(name + ".db")});
+    }
+    DBbase::Init(wide, files);
+  }
+
+  static std::string Current() {
+    auto* const directory = Manager()->GetDirectory();
+    return directory == nullptr ? "-" : directory->GetName().toUtf8();
+  }
+
+  // Names in the order of the chain.
+  static std::string Chain() {
+    std::string names;
+    for (auto* directory = ManagerAccess::First(*Manager());
+         directory != nullptr; directory = directory->Getnextdbdir()) {
+      names += "[" + directory->GetName().toUtf8() + "]";
+    }
+    return names;
+  }
+};
+
+TEST_F(ManagerCatalogue, IsEmptyAtFirst) {
+  EXPECT_EQ(0, Manager()->FilesCount());
+  EXPECT_EQ("-", Current());
+}
+
+TEST_F(ManagerCatalogue, HoldsTheDatabasesInReverseOrder) {
+  Init({"A", "B", "C"});
+  EXPECT_EQ(3, Manager()->FilesCount());
+  EXPECT_EQ("[C][B][A]", Chain());
+  EXPECT_EQ("C", Current());
+}
+
+TEST_F(ManagerCatalogue, FindsANameInAnyCaseAndWithExtension) {
+  Init({"ABC", "X"});
+  EXPECT_TRUE(Manager()->SelectDB(W("abc.db")));
+  EXPECT_EQ("ABC", Current());
+  EXPECT_TRUE(Manager()->SelectDB(W("x")));
+  EXPECT_TRUE(Manager()->SelectDB(W("ABC")));
+  EXPECT_TRUE(Manager()->SelectDB(W("Abc.x.y")));
+  EXPECT_EQ("ABC", Current());
+}
+
+TEST_F(ManagerCatalogue, FailedSearchLeavesTheCurrentDatabase) {
+  Init({"A", "B"});
+  EXPECT_TRUE(Manager()->SelectDB(W("A")));
+  EXPECT_FALSE(Manager()->SelectDB(W("NONE")));
+  EXPECT_EQ("A", Current());
+}
+
+// Kept: only the key of a search is upper-cased and cut.
+TEST_F(ManagerCatalogue, NeverFindsANameWithALowerCaseLetterOrADot) {
+  Init({"Stock", "A.B"});
+  EXPECT_FALSE(Manager()->SelectDB(W("Stock")));
+  EXPECT_FALSE(Manager()->SelectDB(W("STOCK")));
+  EXPECT_FALSE(Manager()->SelectDB(W("A.B")));
+}
+
+TEST_F(ManagerCatalogue, RegistersExactNamesOnly) {
+  EXPECT_TRUE(Manager()->NotRegistered(W("A")));
+  Init({"A"});
+  EXPECT_FALSE(Manager()->NotRegistered(W("A")));
+  EXPECT_TRUE(Manager()->NotRegistered(W("a")));
+}
+
+// Kept: names are compared with the stored configuration, which is stored last.
+TEST_F(ManagerCatalogue, OneNameTwiceMakesTwoDatabases) {
+  Init({"A", "A"});
+  EXPECT_EQ(2, Manager()->FilesCount());
+  auto* const front = ManagerAccess::First(*Manager());
+  EXPECT_TRUE(Manager()->SelectDB(W("A")));
+  EXPECT_EQ(front, Manager()->GetDirectory());
+}
+
+TEST_F(ManagerCatalogue, AddedDatabasesAreNotRegistered) {
+  Init({"A", "B"});
+  DBbase::AddFiles({W("B"), W("C")}, {{W("x.db")}, {W("c.db")}}, Manager());
+  EXPECT_EQ("[C][B][A]", Chain());
+  EXPECT_EQ("B", Current());
+  EXPECT_TRUE(Manager()->NotRegistered(W("C")));
+  std::vector<zWString> names;
+  std::vector<std::vector<zWString>> files;
+  Manager()->GetInit(names, files);
+  EXPECT_EQ(2U, names.size());
+}
+
+TEST_F(ManagerCatalogue, InitReplacesTheInstance) {
+  Init({"A", "B"});
+  Init({"C"});
+  EXPECT_EQ("[C]", Chain());
+}
+
+TEST_F(ManagerCatalogue, InitTakesItsOwnConfiguration) {
+  Init({"A", "B"});
+  std::vector<zWString> names;
+  std::vector<std::vector<zWString>> files;
+  Manager()->GetInit(names, files);
+  EXPECT_TRUE(Manager()->Init(names, files));
+  EXPECT_EQ("[B][A]", Chain());
+}
+
+TEST_F(ManagerCatalogue, MissingNamesAreEmpty) {
+  EXPECT_TRUE(DBbase::Init({W("A")}, {{W("a.db")}, {W("b.db")}}));
+  EXPECT_EQ("[][A]", Chain());
+}
+
+TEST_F(ManagerCatalogue, FindLastFileMovesToTheEndOfTheChain) {
+  EXPECT_EQ(1, ManagerAccess::FindLastFile(*Manager()));
+  EXPECT_EQ("-", Current());
+  Init({"A", "B"});
+  EXPECT_EQ(1, ManagerAccess::FindLastFile(*Manager()));
+  EXPECT_EQ("A", Current());
+}
+
+TEST_F(ManagerCatalogue, ManagerOfADirectoryDoesNotOwnIt) {
+  DBDirectory directory;
+  directory.Initialize(W("OWN"), {});
+  {
+    DBbase manager(&directory);
+    EXPECT_EQ(&directory, manager.GetDirectory());
+    EXPECT_EQ(0, manager.FilesCount());
+    EXPECT_EQ(0, manager.Close(W("")));
+  }
+  EXPECT_EQ("OWN", directory.GetName().toUtf8());
+}
+
+TEST_F(ManagerCatalogue, CopiesShareTheDatabases) {
+  Init({"A", "B"});
+  DBbase copy(*Manager());
+  EXPECT_EQ(2, copy.FilesCount());
+  EXPECT_TRUE(copy.SelectDB(W("A")));
+  EXPECT_EQ("B", Current());
+  EXPECT_EQ(1, copy.Close(W("B")));
+  EXPECT_EQ("-", Current());
+}
+
+TEST_F(ManagerCatalogue, CopiesSurviveTheReplacementOfTheInstance) {
+  Init({"A", "B"});
+  DBbase copy(*Manager());
+  Init({"C"});
+  EXPECT_EQ(0, copy.FilesCount());
+  EXPECT_EQ(nullptr, copy.GetDirectory());
+  EXPECT_FALSE(copy.SelectDB(W("A")));
+  EXPECT_FALSE(copy.NotRegistered(W("A")));
+}
+
+}  // namespace
+}  // namespace tabwerk::test

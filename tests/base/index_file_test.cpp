@@ -1,0 +1,291 @@
+#include <gtest/gtest.h>
+
+#include "base/manager_access.h"
+#include "tests/support/database_fixture.h"
+#include "tests/support/fault_platform.h"
+
+namespace tabwerk::test {
+namespace {
+
+class IndexFile : public DatabaseTest {
+ protected:
+  IndexFile() {
+    MakeArticles("MAIN.db", 1000, {"1|1|0|Anna", "2|2|0|Bert", "3|3|0|Carl"});
+    MakeArticles("USER.UDB", 2000, {"20000|4|0|Dora"});
+    zSplashMessage::GetSplashMessage()->SetCallback(Note, this);
+  }
+
+  // Result of the index upkeep of an opening.
+  int Make() const {
+    Configure("STOCK", {"MAIN.db", "USER.UDB"});
+    EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+    // A second look at what the opening left behind.
+    return ManagerAccess::MakeIndexFile(*Manager(), Manager()->GetDirectory());
+  }
+
+  PlainIndex Index() const {
+    auto const index = DecodeIndex(Bytes("STOCK.idx"), 2);
+    EXPECT_TRUE(index.has_value());
+    return index.value_or(PlainIndex{});
+  }
+  std::string Sections() const {
+    auto const index = Index();
+    return index.tables.size() == 1 ? Describe(index.tables[0]) : "-";
+  }
+  void WriteIndex(PlainIndex const& index) const {
+    WriteFileBytes(Path("STOCK.idx"), EncodeIndex(index));
+  }
+  static PlainIndex Good() {
+    return {{1000, 2000},
+            {{{{1, 0}, {2, 1}, {3, 2}, {20000, 3}},
+              {-1, 3, 2, 1, 0},
+              {1, 1, 1, 1}}}};
+  }
+  static std::string Folge() { return Column(Table("ARTIKEL"), "FOLGE"); }
+  static std::string Status() { return Column(Table("ARTIKEL"), "STATUS"); }
+
+  std::string messages_;
+
+ private:
+  static void Note(void* context, zWString const* text) {
+    auto& messages = static_cast<IndexFile*>(context)->messages_;
+    messages += text == nullptr ? "[clear]" : "[" + text->toUtf8() + "]";
+  }
+};
+
+constexpr char kBuilt[] =
+    "ID 1>0 2>1 3>2 20000>3 FOLGE -1 0 1 2 3 STATUS 0 0 0 0";
+
+TEST_F(IndexFile, LiesBesideTheUserFileAndHasTheNameOfTheDatabase) {
+  OpenStock();
+  auto const name =
+      ManagerAccess::IndexFileName(*Manager(), Manager()->GetDirectory());
+  EXPECT_EQ(W(Path("STOCK.idx")), name);
+}
+
+TEST_F(IndexFile, HasNoNameWithoutAUserFile) {
+  Configure("STOCK", {"MAIN.db"});
+  EXPECT_EQ("",
+            ManagerAccess::IndexFileName(*Manager(), Manager()->GetDirectory())
+                .toUtf8());
+}
+
+// Kept: the first file is the shipped one, whatever it is called.
+TEST_F(IndexFile, HasNoNameForAUserFileInTheFirstPosition) {
+  Configure("STOCK", {"USER.UDB", "MAIN.db"});
+  EXPECT_EQ("",
+            ManagerAccess::IndexFileName(*Manager(), Manager()->GetDirectory())
+                .toUtf8());
+}
+
+TEST_F(IndexFile, WithoutAUserFileNothingIsWritten) {
+  Configure("STOCK", {"MAIN.db"});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+  EXPECT_EQ(
+      0, ManagerAccess::MakeIndexFile(*Manager(), Manager()->GetDirectory()));
+  EXPECT_EQ(0, Manager()->WriteIndexToFile(nullptr));
+  EXPECT_EQ("MAIN.db USER.UDB", Files());
+  EXPECT_EQ(0, Table("ARTIKEL")->SelectZeile("ID", 1L));
+}
+
+TEST_F(IndexFile, IsBuiltAtTheFirstOpening) {
+  OpenStock();
+  EXPECT_EQ(kBuilt, Sections());
+  EXPECT_EQ((std::vector<std::int64_t>{1000, 2000}), Index().time_stamps);
+  EXPECT_EQ("", messages_);
+}
+
+TEST_F(IndexFile, IsValidAtTheSecondOpening) {
+  EXPECT_EQ(-1, Make());
+  auto const bytes = Bytes("STOCK.idx");
+  EXPECT_EQ(-1, Make());
+  EXPECT_EQ(bytes, Bytes("STOCK.idx"));
+  EXPECT_EQ("", messages_);
+}
+
+// Order and status of shipped rows stand nowhere else.
+TEST_F(IndexFile, ValidIndexWritesOrderAndStatusIntoTheRows) {
+  WriteIndex({{1000, 2000},
+              {{{{1, 0}, {2, 1}, {3, 2}, {20000, 3}},
+                {-1, 2, 3, 0, -1},
+                {0, 1, 0, 0}}}});
+  EXPECT_EQ(-1, Make());
+  EXPECT_EQ("[3][2][1][2]", Folge());
+  EXPECT_EQ("[0][1][0][0]", Status());
+}
+
+TEST_F(IndexFile, StaleIndexCarriesOrderAndStatusOverById) {
+  // Written when the main file had the rows 2, 1: the user's row first, then 2;
+  // 1 inactive.
+  WriteIndex({{999, 2000},
+              {{{{1, 1}, {2, 0}, {20000, 2}}, {-1, 2, 0, -1}, {0, 2, 0}}}});
+  OpenStock();
+  EXPECT_EQ("[Updating database index][clear]", messages_);
+  EXPECT_EQ("[2][0][0][0]", Status());
+  EXPECT_EQ("[0][2][3][1]", Folge());
+  EXPECT_EQ((std::vector<std::int64_t>{1000, 2000}), Index().time_stamps);
+  EXPECT_EQ(-1, Make());
+}
+
+TEST_F(IndexFile, ProgressIsShownOncePerTable) {
+  MakeFile("MAIN.db", {PlainHeader::kCurrent,
+                       1000,
+                       {{"A", "integer ID\n", {}}, {"B", "integer ID\n", {}}}});
+  WriteFileBytes(Path("USER.UDB"), {});
+  OpenStock();
+  auto index = Index();
+  index.time_stamps[0] = 1;
+  WriteIndex(index);
+  OpenStock();
+  EXPECT_EQ("[Updating database index][Updating database index][clear]",
+            messages_);
+}
+
+class BadIndex : public IndexFile {
+ protected:
+  // The index counts as missing: rebuilt from the rows, without a message.
+  void ExpectRebuilt() {
+    OpenStock();
+    EXPECT_EQ(kBuilt, Sections());
+    EXPECT_EQ("[1][2][3][4]", Folge());
+    EXPECT_EQ("", messages_);
+  }
+};
+
+TEST_F(BadIndex, CutAtEveryLengthIsRebuilt) {
+  auto const whole = EncodeIndex(Good());
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    SCOPED_TRACE(size);
+    WriteFileBytes(
+        Path("STOCK.idx"),
+        {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)});
+    ExpectRebuilt();
+  }
+}
+
+TEST_F(BadIndex, WithBytesBehindTheLastSectionIsRebuilt) {
+  auto bytes = EncodeIndex(Good());
+  bytes.push_back(0);
+  WriteFileBytes(Path("STOCK.idx"), bytes);
+  ExpectRebuilt();
+}
+
+TEST_F(BadIndex, OfAnotherNumberOfTablesIsRebuilt) {
+  auto index = Good();
+  index.tables.push_back(index.tables[0]);
+  WriteIndex(index);
+  ExpectRebuilt();
+}
+
+TEST_F(BadIndex, WithAWrongTagIsRebuilt) {
+  auto bytes = EncodeIndex(Good());
+  bytes[16] = 'X';
+  WriteFileBytes(Path("STOCK.idx"), bytes);
+  ExpectRebuilt();
+}
+
+TEST_F(BadIndex, WithRowNumbersOutsideTheTableIsRebuilt) {
+  for (auto const row : {-2, 4, 2147483647}) {
+    auto index = Good();
+    index.tables[0].folge[1] = row;
+    WriteIndex(index);
+    ExpectRebuilt();
+  }
+  for (auto const row : {-1, 4}) {
+    auto index = Good();
+    index.tables[0].ids[0].second = row;
+    WriteIndex(index);
+    ExpectRebuilt();
+  }
+}
+
+TEST_F(BadIndex, WithSizesThatNoWriterMakesIsRebuilt) {
+  auto index = Good();
+  index.tables[0].folge.push_back(-1);
+  WriteIndex(index);
+  ExpectRebuilt();
+  index = Good();
+  index.tables[0].ids.emplace_back(20001, 0);
+  WriteIndex(index);
+  ExpectRebuilt();
+}
+
+TEST_F(BadIndex, CurrentButOfAnotherNumberOfRowsIsRebuilt) {
+  WriteIndex({{1000, 2000}, {{{{1, 0}}, {-1, 0}, {1}}}});
+  ExpectRebuilt();
+}
+
+TEST_F(BadIndex, WithAnEnormousCountIsRebuilt) {
+  auto bytes = EncodeIndex(Good());
+  bytes[18] = bytes[19] = bytes[20] = 0xFF;
+  bytes[21] = 0x7F;
+  WriteFileBytes(Path("STOCK.idx"), bytes);
+  ExpectRebuilt();
+}
+
+TEST_F(IndexFile, ThatCannotBeWrittenIsBuiltInMemory) {
+  OpenStock(false);
+  FaultGuard faults;
+  faults.FailAt(1, Lasting::kForGood, Only(Call::kReplace));
+  WriteFileBytes(Path("STOCK.idx"), {1, 2, 3});
+  EXPECT_EQ(
+      2, ManagerAccess::MakeIndexFile(*Manager(), Manager()->GetDirectory()));
+  EXPECT_EQ(3U, Bytes("STOCK.idx").size());
+  EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+  EXPECT_EQ(1, Table("ARTIKEL")->SelectZeile("ID", 20000L));
+}
+
+// What cannot be read may still be the user's order.
+TEST_F(IndexFile, ThatCannotBeReadStaysAsItIs) {
+  OpenStock(false);
+  auto const bytes = Bytes("STOCK.idx");
+  FaultGuard faults;
+  faults.FailAt(1, Lasting::kOnce, Only(Call::kRead));
+  EXPECT_EQ(
+      2, ManagerAccess::MakeIndexFile(*Manager(), Manager()->GetDirectory()));
+  EXPECT_EQ(bytes, Bytes("STOCK.idx"));
+}
+
+TEST_F(IndexFile, StaysAsItIsWhenATableCannotBeLoaded) {
+  OpenStock();
+  auto const index = Bytes("STOCK.idx");
+  auto main = Bytes("MAIN.db");
+  main.resize(main.size() - 4);
+  WriteFileBytes(Path("MAIN.db"), main);
+  EXPECT_EQ(2, Make());
+  EXPECT_EQ(index, Bytes("STOCK.idx"));
+  EXPECT_EQ(0, Manager()->WriteIndexToFile(nullptr));
+}
+
+TEST_F(IndexFile, WritingReturnsTwoAndMovesTheTablesToTheLastStatus) {
+  OpenStock();
+  auto* const table = Table("ARTIKEL");
+  table->SelectColumn("NAME");
+  EXPECT_EQ(2, Manager()->WriteIndexToFile(nullptr));
+  EXPECT_STREQ("STATUS", table->GetAktuelleFeldDef()->name);
+  EXPECT_TRUE(SetNumber(table, 3, "ID", 7));
+  EXPECT_EQ(2, Manager()->WriteIndexToFile(Manager()->GetDirectory()));
+  EXPECT_EQ("ID 1>0 2>1 3>2 7>3 FOLGE -1 0 1 2 3 STATUS 0 0 0 0", Sections());
+}
+
+// A save that was interrupted behind the replaced database file.
+TEST_F(IndexFile, ThatWaitsForTheFilesTimeStampIsTakenOver) {
+  OpenStock();
+  DBbase::Init({}, {});
+  auto pending = Good();
+  pending.time_stamps = {1000, 1999};
+  WriteFileBytes(Path("STOCK.idx.2000"), EncodeIndex(pending));
+  OpenStock();
+  EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+  EXPECT_EQ("[1][1][1][1]", Status());
+}
+
+TEST_F(IndexFile, ThatWaitsForAnotherTimeStampIsNot) {
+  OpenStock();
+  WriteFileBytes(Path("STOCK.idx.2001"), EncodeIndex(Good()));
+  EXPECT_EQ(-1, Make());
+  EXPECT_EQ("[1][2][3][4]", Folge());
+}
+
+}  // namespace
+}  // namespace tabwerk::test

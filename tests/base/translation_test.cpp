@@ -1,0 +1,142 @@
+#include "base/translation.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+#include <string>
+
+#include "DBbase.h"
+#include "tests/support/database_fixture.h"
+
+namespace tabwerk::test {
+namespace {
+
+class Translation : public testing::Test {
+ protected:
+  ~Translation() override { DBbase::SetSprache(0); }
+
+  static std::string In(short language, std::string const& text) {
+    DBbase::SetSprache(language);
+    auto translated = W(text);
+    DBbase::DBTranslate(translated);
+    return translated.toUtf8();
+  }
+};
+
+// The steps as one would write them down first: replace a section, then start
+// again with the whole text.
+std::u16string PlainTranslation(std::u16string text, short language) {
+  for (;;) {
+    auto const opening = text.find(u"#TS(");
+    if (opening == std::u16string::npos) return text;
+    auto const closing = text.find(u")TS~", opening);
+    if (closing == std::u16string::npos) return text;
+    auto const inside = text.substr(opening + 4, closing - opening - 4);
+    auto const pieces = zWString(inside).ToStringList(u'\u00AC', true);
+    auto const wanted =
+        static_cast<std::size_t>(static_cast<long long>(language));
+    if (wanted >= pieces.size()) return text;
+    text = text.substr(0, opening) + std::u16string(pieces[wanted].view()) +
+           text.substr(closing + 4);
+  }
+}
+
+TEST_F(Translation, TakesThePieceOfTheLanguage) {
+  EXPECT_EQ("Name: Table", In(0, "Name: #TS(Table¬Tabelle)TS~"));
+  EXPECT_EQ("Name: Tabelle", In(1, "Name: #TS(Table¬Tabelle)TS~"));
+}
+
+TEST_F(Translation, TranslatesEverySection) {
+  EXPECT_EQ("Ja / Nein", In(1, "#TS(Yes¬Ja)TS~ / #TS(No¬Nein)TS~"));
+}
+
+TEST_F(Translation, LeavesATextThatLacksTheLanguage) {
+  EXPECT_EQ("#TS(Yes¬Ja)TS~ / #TS(No¬Nein)TS~",
+            In(2, "#TS(Yes¬Ja)TS~ / #TS(No¬Nein)TS~"));
+}
+
+TEST_F(Translation, LeavesAnUnclosedSection) {
+  EXPECT_EQ("#TS(Yes¬Ja", In(1, "#TS(Yes¬Ja"));
+}
+
+TEST_F(Translation, IgnoresAClosingMarkerBeforeTheFirstOpeningOne) {
+  EXPECT_EQ("a)TS~ b", In(0, "a)TS~ #TS(b¬c)TS~"));
+}
+
+TEST_F(Translation, LeavesATextWithoutMarkers) {
+  EXPECT_EQ("plain ¬ text", In(0, "plain ¬ text"));
+}
+
+// Kept: stored texts rely on the first closing marker ending the section.
+TEST_F(Translation, DoesNotNestSections) {
+  EXPECT_EQ("xy", In(0, "#TS(x#TS(y)TS~¬z)TS~"));
+}
+
+TEST_F(Translation, TranslatesWhatAReplacementYields) {
+  EXPECT_EQ("a", In(0, "#T#TS(S(a)TS~)TS~"));
+  EXPECT_EQ("c", In(1, "#TS(x¬#TS()TS~b¬c)TS~"));
+}
+
+// Kept: the pass ends at the first section that lacks the piece.
+TEST_F(Translation, StopsAtTheFirstSectionThatLacksTheLanguage) {
+  EXPECT_EQ("#TS(a)TS~ #TS(b¬c)TS~", In(1, "#TS(a)TS~ #TS(b¬c)TS~"));
+  EXPECT_EQ("c #TS(a)TS~", In(1, "#TS(b¬c)TS~ #TS(a)TS~"));
+}
+
+TEST_F(Translation, CountsEmptyPieces) {
+  EXPECT_EQ("c", In(2, "#TS(a¬¬c)TS~"));
+  EXPECT_EQ("", In(1, "#TS(a¬¬c)TS~"));
+  EXPECT_EQ("", In(0, "#TS()TS~"));
+  EXPECT_EQ("#TS()TS~", In(1, "#TS()TS~"));
+}
+
+// Kept: the number is compared as an unsigned one, so it is a very large one.
+TEST_F(Translation, NegativeLanguageTranslatesNothing) {
+  EXPECT_EQ("#TS(a¬b)TS~", In(-1, "#TS(a¬b)TS~"));
+}
+
+std::u16string RandomText(std::mt19937* random) {
+  static constexpr std::u16string_view kPieces[] = {
+      u"#TS(", u")TS~", u"\u00AC",          u"#", u"T", u"S", u"(", u")",
+      u"~",    u"x",    u"#TS(a\u00ACb)TS~"};
+  std::u16string text;
+  auto const count = (*random)() % 24;
+  for (unsigned i = 0; i < count; ++i) {
+    text += kPieces[(*random)() % std::size(kPieces)];
+  }
+  return text;
+}
+
+TEST_F(Translation, AgreesWithThePlainStepsOnRandomTexts) {
+  auto const seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  for (int i = 0; i < 100000; ++i) {
+    auto text = RandomText(&random);
+    auto const language =
+        static_cast<short>(static_cast<int>(random() % 4) - 1);
+    auto const expected = PlainTranslation(text, language);
+    SCOPED_TRACE(zWString(text).toUtf8());
+    DBbase::SetSprache(language);
+    TranslateText(text);
+    ASSERT_EQ(zWString(expected).toUtf8(), zWString(text).toUtf8());
+  }
+}
+
+// A million sections, beside each other and inside each other.
+TEST_F(Translation, CostsNoMoreThanTheLengthOfTheText) {
+  constexpr int kSections = 1000000;
+  std::u16string flat;
+  std::u16string nested;
+  for (int i = 0; i < kSections; ++i) flat += u"#TS(a\u00ACb)TS~";
+  for (int i = 0; i < kSections; ++i) nested += u"#TS(";
+  for (int i = 0; i < kSections; ++i) nested += u")TS~";
+  TranslateText(flat);
+  TranslateText(nested);
+  EXPECT_EQ(std::u16string(kSections, u'a'), flat);
+  EXPECT_EQ(u"", nested);
+}
+
+}  // namespace
+}  // namespace tabwerk::test

@@ -1,0 +1,309 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+
+#include "tests/support/database_fixture.h"
+#include "tests/support/fault_platform.h"
+
+namespace tabwerk::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ManagerWrite : public DatabaseTest {
+ protected:
+  ManagerWrite() {
+    MakeArticles("MAIN.db", 1000, {"1|1|0|Anna", "2|2|0|Bert"});
+    MakeArticles("USER.UDB", 2000, {"20000|3|0|Carl"});
+    OpenStock();
+  }
+  bool WriteUserFile() const {
+    return Manager()->Write(W("STOCK"), true, W(""));
+  }
+  std::string InFile(std::string const& name) const {
+    return RowsOf(ReadDatabase(Path(name)), "ARTIKEL");
+  }
+};
+
+constexpr char kAll[] = "[1|1|0|Anna][2|2|0|Bert][20000|3|0|Carl]";
+
+TEST_F(ManagerWrite, UserRowsAreThereAfterwards) {
+  AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("[20000|3|0|Carl][20001|4|0|Dora]", InFile("USER.UDB"));
+  EXPECT_EQ("[1|1|0|Anna][2|2|0|Bert][20000|3|0|Carl][20001|4|0|Dora]",
+            Rows("ARTIKEL"));
+  EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+}
+
+TEST_F(ManagerWrite, EveryTextSurvives) {
+  auto* const table = Table("ARTIKEL");
+  for (auto const* text : {"", "x", "Größe", "中文", "😀", "\"quoted\", a;b"}) {
+    SCOPED_TRACE(text);
+    EXPECT_TRUE(SetText(Table("ARTIKEL"), 2, "NAME", text));
+    EXPECT_TRUE(WriteUserFile());
+    EXPECT_EQ(std::string("[Anna][Bert][") + text + "]",
+              Column(Table("ARTIKEL"), "NAME"));
+  }
+  (void)table;
+}
+
+TEST_F(ManagerWrite, LoneSurrogatesSurvive) {
+  auto* table = Table("ARTIKEL");
+  table->SelectColumn("NAME");
+  table->SelectZeile(2L);
+  EXPECT_EQ(1, table->SetWert(u"a\xD800"
+                              u"b\xDC00"));
+  EXPECT_TRUE(WriteUserFile());
+  table = Table("ARTIKEL");
+  table->SelectColumn("NAME");
+  table->SelectZeile(2L);
+  zWString text;
+  EXPECT_EQ(1, table->GetWert(text));
+  EXPECT_TRUE(text == zWString(u"a\xD800"
+                               u"b\xDC00"));
+}
+
+TEST_F(ManagerWrite, OrderAndStatusOfShippedRowsLiveInTheIndex) {
+  auto* const table = Table("ARTIKEL");
+  EXPECT_TRUE(SetNumber(table, 0, "STATUS", 1));
+  EXPECT_TRUE(SetNumber(table, 1, "FOLGE", 2));
+  EXPECT_TRUE(SetNumber(table, 2, "FOLGE", 1));
+  EXPECT_TRUE(SetNumber(table, 0, "FOLGE", 0));
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("[1][0][0]", Column(Table("ARTIKEL"), "STATUS"));
+  EXPECT_EQ("[0][2][1]", Column(Table("ARTIKEL"), "FOLGE"));
+  EXPECT_EQ("[1|1|0|Anna][2|2|0|Bert]", InFile("MAIN.db"));
+  OpenStock();
+  EXPECT_EQ("[1][0][0]", Column(Table("ARTIKEL"), "STATUS"));
+  EXPECT_EQ("[0][2][1]", Column(Table("ARTIKEL"), "FOLGE"));
+}
+
+TEST_F(ManagerWrite, WithoutCurrentDatabaseIsFalse) {
+  DBbase::Init({}, {});
+  EXPECT_FALSE(Manager()->Write(W(""), false, W("")));
+}
+
+TEST_F(ManagerWrite, UnknownNameMakesNoTemporaryFile) {
+  FaultGuard faults;
+  EXPECT_FALSE(Manager()->Write(W("NONE"), true, W("")));
+  EXPECT_EQ(0, faults.Count(kAllCalls));
+}
+
+TEST_F(ManagerWrite, DatabaseThatIsNotOpenIsNotWritten) {
+  Configure("STOCK", {"MAIN.db", "USER.UDB"});
+  FaultGuard faults;
+  EXPECT_FALSE(WriteUserFile());
+  EXPECT_EQ(0, faults.Count(kFileCalls));
+  EXPECT_EQ("[20000|3|0|Carl]", InFile("USER.UDB"));
+}
+
+TEST_F(ManagerWrite, ToUserFileWithoutOneIsFalse) {
+  Configure("STOCK", {"MAIN.db"});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), true, false));
+  FaultGuard faults;
+  EXPECT_FALSE(WriteUserFile());
+  EXPECT_EQ(0, faults.Count(kFileCalls));
+}
+
+// Kept: without a name only the first file is meant.
+TEST_F(ManagerWrite, WithoutANameWritesTheFirstFile) {
+  EXPECT_TRUE(SetText(Table("ARTIKEL"), 0, "NAME", "Anja"));
+  EXPECT_TRUE(Manager()->Write(W(""), true, W(Path("OTHER.db"))));
+  EXPECT_EQ("[1|1|0|Anja][2|2|0|Bert]", InFile("MAIN.db"));
+  EXPECT_FALSE(FileExists("OTHER.db"));
+}
+
+// Kept: with a path of its own, a save writes the first file's data.
+TEST_F(ManagerWrite, ToAnotherPathWritesTheFirstFilesData) {
+  EXPECT_TRUE(SetText(Table("ARTIKEL"), 0, "NAME", "Anja"));
+  EXPECT_TRUE(Manager()->Write(W("STOCK"), true, W(Path("OTHER.db"))));
+  EXPECT_EQ("[1|1|0|Anja][2|2|0|Bert]", InFile("OTHER.db"));
+  EXPECT_EQ("[1|1|0|Anna][2|2|0|Bert]", InFile("MAIN.db"));
+  EXPECT_EQ(kAll, Rows("ARTIKEL"));
+}
+
+// The index describes the rows of the files, which did not change.
+TEST_F(ManagerWrite, ToAnotherPathKeepsTheIndexOfTheFilesRows) {
+  EXPECT_TRUE(SetNumber(Table("ARTIKEL"), 0, "STATUS", 1));
+  EXPECT_TRUE(WriteUserFile());
+  AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
+  EXPECT_TRUE(Manager()->Write(W("STOCK"), false, W(Path("OTHER.db"))));
+  EXPECT_EQ("[1][0][0]", Column(Table("ARTIKEL"), "STATUS"));
+}
+
+TEST_F(ManagerWrite, DropsWhatIsUnsavedInTheOtherFile) {
+  EXPECT_TRUE(SetText(Table("ARTIKEL"), 0, "NAME", "Anja"));
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ(kAll, Rows("ARTIKEL"));
+}
+
+TEST_F(ManagerWrite, ReadOnlyTargetIsReplacedAndWritableAfterwards) {
+  fs::permissions(Path("USER.UDB"), fs::perms::owner_read,
+                  fs::perm_options::replace);
+  OpenStock(false);
+  AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("[20000|3|0|Carl][20001|4|0|Dora]", InFile("USER.UDB"));
+  auto const mode = fs::status(Path("USER.UDB")).permissions();
+  EXPECT_NE(fs::perms::none, mode & fs::perms::owner_write);
+}
+
+TEST_F(ManagerWrite, DatabaseOpenedForReadingCanBeWritten) {
+  OpenStock(false);
+  AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("[20000|3|0|Carl][20001|4|0|Dora]", InFile("USER.UDB"));
+}
+
+TEST_F(ManagerWrite, ReopensEveryDatabaseForWriting) {
+  MakeArticles("THIRD.db", 1, {"1|1|0|Zoe"});
+  DBbase::Init(
+      {W("STOCK"), W("THIRD")},
+      {{W(Path("MAIN.db")), W(Path("USER.UDB"))}, {W(Path("THIRD.db"))}});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("THIRD", Manager()->GetDirectory()->GetName().toUtf8());
+  EXPECT_EQ("[1|1|0|Zoe]", Rows("ARTIKEL"));
+  EXPECT_TRUE(Manager()->SelectDB(W("STOCK")));
+  EXPECT_TRUE(Manager()->GetDirectory()->FileIsOpen(true, false));
+}
+
+TEST_F(ManagerWrite, TableThatCannotBeLoadedForbidsTheSave) {
+  auto bytes = Bytes("MAIN.db");
+  bytes.resize(bytes.size() - 4);
+  WriteFileBytes(Path("MAIN.db"), bytes);
+  OpenStock();
+  EXPECT_FALSE(WriteUserFile());
+  EXPECT_EQ("[20000|3|0|Carl]", InFile("USER.UDB"));
+}
+
+TEST_F(ManagerWrite, FileGetsAPartOfEveryTable) {
+  MakeFile("MAIN.db", {PlainHeader::kCurrent,
+                       1000,
+                       {{"ARTIKEL", kArticles, {"1|1|0|Anna"}},
+                        {"EXTRA", "integer ID\n", {"5"}}}});
+  OpenStock();
+  EXPECT_FALSE(Table("EXTRA")->NeueZeile(true));
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("", RowsOf(ReadDatabase(Path("USER.UDB")), "EXTRA"));
+  EXPECT_TRUE(Table("EXTRA")->NeueZeile(true));
+}
+
+// Kept: reading a first file reverses the order of its tables.
+TEST_F(ManagerWrite, FirstFileListsItsTablesInOppositeOrder) {
+  MakeFile("MAIN.db",
+           {PlainHeader::kCurrent,
+            1000,
+            {{"A", "integer ID\n", {"1"}}, {"B", "integer ID\n", {"2", "3"}}}});
+  WriteFileBytes(Path("USER.UDB"), {});
+  OpenStock();
+  EXPECT_TRUE(Manager()->Write(W("STOCK"), false, W("")));
+  auto const written = ReadDatabase(Path("MAIN.db"));
+  ASSERT_EQ(2U, written.tables.size());
+  EXPECT_EQ("B", written.tables[0].name);
+  // The index follows: A has one row, B two.
+  EXPECT_EQ("[1]", Rows("A"));
+  EXPECT_EQ("[2][3]", Rows("B"));
+}
+
+TEST_F(ManagerWrite, TimeStampIsTheCurrentSecond) {
+  using std::chrono::duration_cast;
+  using std::chrono::seconds;
+  using std::chrono::system_clock;
+  auto const now =
+      duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
+  EXPECT_TRUE(WriteUserFile());
+  auto const stamp = ReadDatabase(Path("USER.UDB")).time_stamp;
+  EXPECT_LE(now, stamp);
+  EXPECT_GE(now + 60, stamp);
+}
+
+TEST_F(ManagerWrite, TimeStampAlwaysGrows) {
+  MakeArticles("USER.UDB", 4000000000, {"20000|3|0|Carl"});
+  OpenStock();
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ(4000000001, ReadDatabase(Path("USER.UDB")).time_stamp);
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ(4000000002, ReadDatabase(Path("USER.UDB")).time_stamp);
+}
+
+TEST_F(ManagerWrite, LeftoverTrialCopyIsReplaced) {
+  WriteFileBytes(Path("USER.UDBT"), {1, 2, 3});
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+}
+
+TEST_F(ManagerWrite, MayBeCalledWithItsOwnName) {
+  AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
+  EXPECT_TRUE(
+      Manager()->Write(Manager()->GetDirectory()->GetName(), true, zWString()));
+}
+
+// --- Failures ----------------------------------------------------------------
+
+class WriteFaults : public ManagerWrite {
+ protected:
+  void Change() {
+    auto* const table = Table("ARTIKEL");
+    AddArticle(table, 20001, 4, "Dora");
+    ASSERT_TRUE(SetNumber(table, 0, "STATUS", 1));
+  }
+  static constexpr char kOld[] = "[20000|3|0|Carl]";
+  static constexpr char kNew[] = "[20000|3|0|Carl][20001|4|0|Dora]";
+  static constexpr char kNewInMemory[] =
+      "[1|1|1|Anna][2|2|0|Bert][20000|3|0|Carl][20001|4|0|Dora]";
+
+  // One save with the n-th call failing; false when no call failed.
+  bool SaveWithFault(std::int64_t n, Lasting lasting) {
+    MakeArticles("MAIN.db", 1000, {"1|1|0|Anna", "2|2|0|Bert"});
+    MakeArticles("USER.UDB", 2000, {"20000|3|0|Carl"});
+    fs::remove(Path("STOCK.idx"));
+    OpenStock();
+    Change();
+    auto const old_index = Bytes("STOCK.idx");
+    FaultGuard faults;
+    faults.FailAt(n, lasting);
+    bool const saved = WriteUserFile();
+    bool const fired = faults.Fired();
+    faults.Disarm();
+    CheckAfter(saved, old_index);
+    return fired;
+  }
+
+  void CheckAfter(bool saved, std::vector<unsigned char> const& old_index) {
+    EXPECT_EQ(saved ? kNew : kOld, InFile("USER.UDB"));
+    EXPECT_EQ("[1|1|0|Anna][2|2|0|Bert]", InFile("MAIN.db"));
+    if (!saved) {
+      EXPECT_EQ(kNewInMemory, Rows("ARTIKEL"));
+      EXPECT_EQ(old_index, Bytes("STOCK.idx"));
+      EXPECT_TRUE(WriteUserFile());
+    }
+    OpenStock();
+    EXPECT_EQ(kNew, InFile("USER.UDB"));
+    EXPECT_EQ("[1][0][0][0]", Column(Table("ARTIKEL"), "STATUS"));
+    EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+  }
+};
+
+TEST_F(WriteFaults, OneFailingCallLeavesTheOldOrTheNewFile) {
+  std::int64_t n = 1;
+  while (SaveWithFault(n, Lasting::kOnce)) {
+    ASSERT_FALSE(HasFailure()) << "call " << n;
+    ++n;
+  }
+  EXPECT_LT(20, n);
+}
+
+TEST_F(WriteFaults, FailingForGoodLeavesTheOldOrTheNewFile) {
+  std::int64_t n = 1;
+  while (SaveWithFault(n, Lasting::kForGood)) {
+    ASSERT_FALSE(HasFailure()) << "call " << n;
+    ++n;
+  }
+  EXPECT_LT(20, n);
+}
+
+}  // namespace
+}  // namespace tabwerk::test
