@@ -100,6 +100,27 @@ Finding ApplyIndex(zWString const& path, DBDirectory const& directory,
   return Finding::kStaleAndApplied;
 }
 
+// False when another program has replaced a file that this one has read and
+// closed: an index for the old file must not take the place of the new one's.
+// A file that is open cannot be replaced.
+bool FilesAreAsRead(DBDirectory const& directory) {
+  auto const stamps = directory.GetTimeStamps();
+  for (std::size_t i = 0; i < stamps.size(); ++i) {
+    if (directory.GetFile(i) != nullptr) continue;
+    auto error = platform::Error::kNone;
+    auto* const stream =
+        platform::OpenFile(directory.GetFileiName(i), platform::Mode::kRead,
+                           platform::Share::kDenyNone, &error);
+    if (stream == nullptr) return false;
+    short version = 0;
+    long long stamp = 0;
+    (void)DBDirectory::ReadFileVersion(stream, version, stamp);
+    (void)platform::Close(stream);  // only read
+    if (stamp != stamps[i]) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 zWString DBbase::IndexFileName(DBDirectory* directory) const {
@@ -113,6 +134,7 @@ int DBbase::WriteIndexToFile(DBDirectory* directory) const {
     if (path.isEmpty()) return kIndexNotWritten;
     std::vector<DBTabelle*> tables;
     if (!tabwerk::LoadedTables(*directory, &tables)) return kIndexNotWritten;
+    if (!FilesAreAsRead(*directory)) return kIndexNotWritten;
     auto const fresh = path + zWString(u"T");
     if (!tabwerk::WriteIndex(fresh, directory->GetTimeStamps(), tables)) {
       return kIndexNotWritten;

@@ -47,6 +47,21 @@ namespace {
 // Far more than any index has; a larger file is none.
 constexpr std::int64_t kLargestIndex = std::int64_t{1} << 32U;
 
+// Another program holds an index only while it reads or moves it.
+constexpr int kPauseMilliseconds = 20;
+constexpr int kTries = 100;
+
+FILE* OpenPatiently(zWString const& path, platform::Error* error) {
+  for (int i = 1;; ++i) {
+    auto* const stream = platform::OpenFile(path, platform::Mode::kRead,
+                                            platform::Share::kDenyAll, error);
+    if (stream != nullptr || *error != platform::Error::kHeld || i == kTries) {
+      return stream;
+    }
+    platform::Pause(kPauseMilliseconds);
+  }
+}
+
 std::optional<platform::Block> ReadWhole(FILE* stream) {
   platform::Block content;
   auto const size = platform::FileSize(stream);
@@ -66,8 +81,7 @@ std::optional<platform::Block> ReadWhole(FILE* stream) {
 std::optional<platform::Block> ReadIndexBytes(zWString const& path,
                                               bool* missing) {
   auto error = platform::Error::kNone;
-  auto* const stream = platform::OpenFile(path, platform::Mode::kRead,
-                                          platform::Share::kDenyAll, &error);
+  auto* const stream = OpenPatiently(path, &error);
   // Asked twice, because an index that counts as missing is written anew.
   *missing = stream == nullptr && error == platform::Error::kNotFound &&
              !platform::Exists(path);

@@ -111,8 +111,9 @@ class TABWERK_API DBbase {
 
   // Rebuilds the indices of a database (null: the current one) and writes its
   // index file.  2 when it was written; 0 when it was not: without a user file,
-  // with a table that could not be loaded, or when the file cannot be written;
-  // the indices are then as they were or rebuilt.
+  // with a table that could not be loaded, when another program has replaced a
+  // database file since it was read, or when the file cannot be written; the
+  // indices are then as they were or rebuilt.
   int WriteIndexToFile(DBDirectory* directory) const;
 
   // Writes one file of a database from the tables in memory, with its index

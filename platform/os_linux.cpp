@@ -262,6 +262,8 @@ bool WriteText(FILE* stream, std::u16string_view text) {
   return os::Write(stream, bytes.data(), bytes.size()) == bytes.size();
 }
 
+void Pause(int milliseconds) { Nap(milliseconds); }
+
 }  // namespace tabwerk::platform::os
 
 #endif  // !_WIN32

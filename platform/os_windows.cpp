@@ -175,6 +175,8 @@ bool WriteText(FILE* stream, std::u16string_view text) {
   return os::Write(stream, bytes.data(), bytes.size()) == bytes.size();
 }
 
+void Pause(int milliseconds) { Sleep(static_cast<DWORD>(milliseconds)); }
+
 }  // namespace tabwerk::platform::os
 
 #endif  // _WIN32

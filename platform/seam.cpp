@@ -64,6 +64,8 @@ zWString MakeTempFile(zWString const& folder, char const* prefix) {
 
 std::int64_t Now() { return os::Now(); }
 
+void Pause(int milliseconds) { os::Pause(milliseconds); }
+
 void* Allocate(std::size_t size) { return os::Allocate(size); }
 
 void* Reallocate(void* block, std::size_t size) {

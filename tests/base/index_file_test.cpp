@@ -257,6 +257,15 @@ TEST_F(IndexFile, StaysAsItIsWhenATableCannotBeLoaded) {
   EXPECT_EQ(0, Manager()->WriteIndexToFile(nullptr));
 }
 
+// Another program has saved meanwhile; its index is the better one.
+TEST_F(IndexFile, OfFilesThatWereReplacedSinceIsNotWritten) {
+  OpenStock(false);
+  MakeArticles("USER.UDB", 2001, {"20000|4|0|Dora", "20001|5|0|Eva"});
+  WriteFileBytes(Path("STOCK.idx"), {1, 2, 3});
+  EXPECT_EQ(0, Manager()->WriteIndexToFile(nullptr));
+  EXPECT_EQ(3U, Bytes("STOCK.idx").size());
+}
+
 TEST_F(IndexFile, WritingReturnsTwoAndMovesTheTablesToTheLastStatus) {
   OpenStock();
   auto* const table = Table("ARTIKEL");
