@@ -9,6 +9,7 @@
 #include "base/manager_access.h"
 #include "platform/guarded.h"
 #include "platform/platform.h"
+#include "schema/directory_access.h"
 #include "table/section_source.h"
 #include "table/table_access.h"
 
@@ -134,7 +135,10 @@ int DBbase::WriteIndexToFile(DBDirectory* directory) const {
     if (path.isEmpty()) return kIndexNotWritten;
     std::vector<DBTabelle*> tables;
     if (!tabwerk::LoadedTables(*directory, &tables)) return kIndexNotWritten;
-    if (!FilesAreAsRead(*directory)) return kIndexNotWritten;
+    if (tabwerk::DirectoryAccess::IndexUnread(*directory) ||
+        !FilesAreAsRead(*directory)) {
+      return kIndexNotWritten;
+    }
     auto const fresh = path + zWString(u"T");
     if (!tabwerk::WriteIndex(fresh, directory->GetTimeStamps(), tables)) {
       return kIndexNotWritten;
@@ -158,12 +162,10 @@ int DBbase::MakeIndexFile(DBDirectory* directory) const {
     return kIndexInMemoryOnly;
   }
   auto const finding = ApplyIndex(path, *directory, tables);
+  tabwerk::DirectoryAccess::IndexUnread(*directory) =
+      finding == Finding::kUnreadable;
   if (finding == Finding::kValidAndApplied) return kValidIndexRead;
-  // What cannot be read stays as it is.
-  if (finding != Finding::kUnreadable &&
-      WriteIndexToFile(directory) != kIndexNotWritten) {
-    return kIndexRebuilt;
-  }
+  if (WriteIndexToFile(directory) != kIndexNotWritten) return kIndexRebuilt;
   BuildIndices(tables);
   return kIndexInMemoryOnly;
 }

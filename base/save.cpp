@@ -7,6 +7,7 @@
 
 #include "base/index_file.h"
 #include "platform/block.h"
+#include "platform/guarded.h"
 #include "platform/platform.h"
 #include "schema/directory_access.h"
 #include "table/table_access.h"
@@ -49,6 +50,13 @@ std::int64_t Append(FILE* from, FILE* to) {
   return platform::Failed(from) ? -1 : total;
 }
 
+// For files that are in nobody's way: what cannot be deleted stays.
+void DeleteLeftover(zWString const& path) noexcept {
+  if (path.isEmpty()) return;
+  (void)Guarded(platform::Error::kInputOutput,
+                [&] { return platform::Delete(path); });
+}
+
 bool SyncPath(zWString const& path) {
   auto error = platform::Error::kNone;
   auto* const stream = platform::OpenFile(path, platform::Mode::kUpdate,
@@ -72,8 +80,8 @@ Save::~Save() {
   (void)CloseStream(data_.stream);
   (void)CloseStream(container_.stream);
   if (replaced_) return;
-  if (!trial_copy_.isEmpty()) (void)platform::Delete(trial_copy_);
-  if (!pending_index_.isEmpty()) (void)platform::Delete(pending_index_);
+  DeleteLeftover(trial_copy_);
+  DeleteLeftover(pending_index_);
   RestoreEntries();
 }
 
@@ -83,9 +91,8 @@ bool Save::Run() {
   if (!PrepareIndex() || !PrepareTrialCopy()) return false;
   if (!ReplaceTarget()) return false;
   FinishIndex();
-  // Not examined: the save is done, and the system clears its own folder.
-  (void)platform::Delete(container_.path);
-  (void)platform::Delete(data_.path);
+  DeleteLeftover(container_.path);
+  DeleteLeftover(data_.path);
   return true;
 }
 
@@ -184,9 +191,12 @@ std::int64_t Save::LastTimeStamp() const {
   return stamp == kEndOfTime ? 0 : stamp;
 }
 
-// An index is valid for files that have not changed, so a copy of the data
-// under another name must not leave one that counts rows they do not have.
-bool Save::IndexFitsFiles() const {
+// An index that was not read is carried over at the next opening: what is in
+// memory does not know the user's order.  And an index is valid for files that
+// have not changed, so a copy of the data under another name must not leave one
+// that counts rows they do not have.
+bool Save::MayReplaceIndex() const {
+  if (DirectoryAccess::IndexUnread(directory_)) return false;
   if (directory_.GetFileiName(file_) == target_) return true;
   for (auto* entry = directory_.GetEntries(); entry != nullptr;
        entry = entry->GetNext()) {
@@ -198,7 +208,7 @@ bool Save::IndexFitsFiles() const {
 }
 
 bool Save::PrepareIndex() {
-  if (index_.isEmpty() || !IndexFitsFiles()) return true;
+  if (index_.isEmpty() || !MayReplaceIndex()) return true;
   // Built from copies: the tables keep their indices and their selection.
   std::vector<DBTabelle> copies;
   copies.reserve(tables_.size());
@@ -208,8 +218,14 @@ bool Save::PrepareIndex() {
   // Reading a first file reverses the order of its tables.
   bool const is_first_file = directory_.GetFileiName(0) == target_;
   if (is_first_file) std::reverse(order.begin(), order.end());
+  auto const stamps = directory_.GetTimeStamps();
   auto const pending = PendingIndexPath(index_, time_stamp_);
-  if (!WriteIndex(pending, directory_.GetTimeStamps(), order)) return false;
+  for (auto const stamp : stamps) {
+    auto const outdated = PendingIndexPath(index_, stamp);
+    // Another file may carry the second that this one is about to get.
+    if (outdated != pending) outdated_indices_.push_back(outdated);
+  }
+  if (!WriteIndex(pending, stamps, order)) return false;
   pending_index_ = pending;
   return platform::SyncFolderOf(pending_index_);
 }
@@ -229,7 +245,10 @@ bool Save::ReplaceTarget() {
     if (directory_.GetFile(i) != nullptr) open_files.push_back(i);
   }
   directory_.CloseDBdatei();
-  replaced_ = platform::Replace(trial_copy_, target_) == platform::Error::kNone;
+  auto const error = Guarded(platform::Error::kInputOutput, [&] {
+    return platform::Replace(trial_copy_, target_);
+  });
+  replaced_ = error == platform::Error::kNone;
   if (replaced_) return true;
   for (auto const file : open_files) {
     // Not examined: without its stream a file stays readable in memory.
@@ -242,7 +261,10 @@ void Save::FinishIndex() noexcept {
   if (pending_index_.isEmpty()) return;
   // Not examined: an index that did not move is found by its time stamp when
   // the database is opened next.
-  (void)platform::Replace(pending_index_, index_);
+  (void)Guarded(platform::Error::kInputOutput,
+                [&] { return platform::Replace(pending_index_, index_); });
+  // Those that earlier saves could not move, either.
+  for (auto const& outdated : outdated_indices_) DeleteLeftover(outdated);
 }
 
 void Save::RestoreEntries() noexcept {

@@ -55,7 +55,7 @@ class Save {
   bool WriteTables();
   bool WriteTable(DBTabelle& table, DBDirEntry& entry, std::int64_t* end);
   bool WriteDatabaseFile();
-  bool IndexFitsFiles() const;
+  bool MayReplaceIndex() const;
   bool PrepareIndex();
   bool PrepareTrialCopy();
   bool ReplaceTarget();
@@ -69,6 +69,7 @@ class Save {
   zWString trial_copy_;  // empty until it is begun
   zWString index_;
   zWString pending_index_;
+  std::vector<zWString> outdated_indices_;  // pending ones of earlier saves
   std::int64_t time_stamp_ = 0;
   std::vector<DBTabelle*> tables_;
   std::vector<EntryState> entries_;

@@ -212,6 +212,7 @@ class TABWERK_API DBDirectory {
   zWString name_;
   short char_factor_;
   std::vector<tabwerk::FileRecord> files_;
+  bool index_unread_;
 };
 
 #endif  // TABWERK_DBDIRECTORY_H

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "platform/guarded.h"
 #include "platform/os_linux.h"
 
 namespace tabwerk::platform::os {
@@ -202,7 +203,8 @@ Error Replace(zWString const& from, zWString const& to) {
   if (error == Error::kNone) {
     // The move cannot be undone and is whole with or without this step, so a
     // failure of it is no failure of the move.
-    static_cast<void>(SyncFolderOf(zWString::fromUtf8(final_target)));
+    static_cast<void>(Guarded(
+        false, [&] { return SyncFolderOf(zWString::fromUtf8(final_target)); }));
   }
   return error == Error::kExists ? Error::kHeld : error;
 }

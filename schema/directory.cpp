@@ -48,7 +48,8 @@ DBDirectory::DBDirectory()
       current_table_(nullptr),
       next_directory_(nullptr),
       file_version_(0),
-      char_factor_(1) {}
+      char_factor_(1),
+      index_unread_(false) {}
 
 DBDirectory::DBDirectory(DBDirectory const& other) : DBDirectory() {
   *this = other;
@@ -72,6 +73,7 @@ DBDirectory& DBDirectory::operator=(DBDirectory const& other) {
   next_directory_ = other.next_directory_;
   file_version_ = other.file_version_;
   char_factor_ = other.char_factor_;
+  index_unread_ = other.index_unread_;
   return *this;
 }
 

@@ -28,6 +28,11 @@ struct DirectoryAccess {
   static std::vector<FileRecord>& Files(DBDirectory& directory) {
     return directory.files_;
   }
+  // Set while the index file could not be read: what the user has in it is not
+  // in memory, so nothing may be written over it.
+  static bool& IndexUnread(DBDirectory& directory) {
+    return directory.index_unread_;
+  }
   // Records the entry that a table was looked up for.
   static void SetCurrentTable(DBDirectory& directory, DBDirEntry* entry) {
     directory.current_table_ = entry;

@@ -246,6 +246,20 @@ TEST_F(IndexFile, ThatCannotBeReadStaysAsItIs) {
   EXPECT_EQ(bytes, Bytes("STOCK.idx"));
 }
 
+TEST_F(IndexFile, ThatCouldNotBeReadIsCarriedOverByASave) {
+  WriteIndex(Good());
+  Configure("STOCK", {"MAIN.db", "USER.UDB"});
+  {
+    FaultGuard faults;
+    faults.FailAt(3, Lasting::kOnce, Only(Call::kOpenFile));  // the index
+    EXPECT_EQ(1, Manager()->Open(W("STOCK"), true, false));
+  }
+  EXPECT_EQ("[0][0][0][0]", Status());
+  EXPECT_EQ(0, Manager()->WriteIndexToFile(nullptr));
+  EXPECT_TRUE(Manager()->Write(W("STOCK"), true, W("")));
+  EXPECT_EQ("[1][1][1][1]", Status());
+}
+
 TEST_F(IndexFile, StaysAsItIsWhenATableCannotBeLoaded) {
   OpenStock();
   auto const index = Bytes("STOCK.idx");

@@ -1,0 +1,147 @@
+#include "cli/console.h"
+
+#include <string>
+
+// The one file of the tool that asks which system it is for: consoles, binary
+// streams and refused openings are different things there.
+#ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include "ztypes.h"
+#else
+#include <sys/ioctl.h>
+#include <unistd.h>
+#endif
+
+namespace tabwerk::tool::console {
+namespace {
+
+constexpr int kUnknownWidth = 80;
+
+bool out_failed = false;
+
+void WriteBytes(std::FILE* stream, std::string_view text) {
+  bool const whole =
+      std::fwrite(text.data(), 1, text.size(), stream) == text.size();
+  if (!whole && stream == stdout) out_failed = true;
+}
+
+}  // namespace
+
+bool FlushOut() {
+  if (std::fflush(stdout) != 0) out_failed = true;
+  return !OutFailed();
+}
+
+bool OutFailed() { return out_failed || std::ferror(stdout) != 0; }
+
+#ifdef _WIN32
+
+namespace {
+
+HANDLE HandleOf(std::FILE* stream) {
+  return GetStdHandle(stream == stdout ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+}
+
+bool IsConsole(std::FILE* stream) {
+  DWORD mode = 0;
+  return GetConsoleMode(HandleOf(stream), &mode) != 0;
+}
+
+// A console takes a limited number of units at once.
+constexpr std::size_t kUnitsAtOnce = 8192;
+
+void Write(std::FILE* stream, std::string_view text) {
+  if (!IsConsole(stream)) return WriteBytes(stream, text);
+  std::wstring const units = zWString::fromUtf8(text).toStdWString();
+  std::wstring_view rest = units;
+  while (!rest.empty()) {
+    std::wstring_view piece = rest.substr(0, kUnitsAtOnce);
+    // The halves of one character stay together.
+    bool const halved = piece.size() < rest.size() && piece.back() >= 0xD800 &&
+                        piece.back() <= 0xDBFF;
+    if (halved) piece.remove_suffix(1);
+    DWORD written = 0;
+    if (!WriteConsoleW(HandleOf(stream), piece.data(),
+                       static_cast<DWORD>(piece.size()), &written, nullptr)) {
+      if (stream == stdout) out_failed = true;
+      return;
+    }
+    rest.remove_prefix(piece.size());
+  }
+}
+
+}  // namespace
+
+void SetUp() {
+  // A console does not see these bytes.
+  static_cast<void>(_setmode(_fileno(stdout), _O_BINARY));
+  static_cast<void>(_setmode(_fileno(stderr), _O_BINARY));
+}
+
+void Out(std::string_view text) { Write(stdout, text); }
+void Err(std::string_view text) { Write(stderr, text); }
+
+bool OutIsTerminal() { return IsConsole(stdout); }
+bool ErrIsTerminal() { return IsConsole(stderr); }
+
+int TerminalWidth() {
+  CONSOLE_SCREEN_BUFFER_INFO info = {};
+  if (!GetConsoleScreenBufferInfo(HandleOf(stdout), &info)) {
+    return kUnknownWidth;
+  }
+  return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+bool OutTakesUtf8() { return !IsConsole(stdout); }
+
+std::FILE* OpenStream(std::filesystem::path const& path, char const* mode) {
+  return _wfopen(path.c_str(), std::wstring(mode, mode + strlen(mode)).c_str());
+}
+
+bool IsHeld(std::filesystem::path const& path) {
+  HANDLE const handle =
+      CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    return GetLastError() == ERROR_SHARING_VIOLATION;
+  }
+  CloseHandle(handle);
+  return false;
+}
+
+#else
+
+void SetUp() {}
+
+void Out(std::string_view text) { WriteBytes(stdout, text); }
+void Err(std::string_view text) { WriteBytes(stderr, text); }
+
+bool OutIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
+bool ErrIsTerminal() { return isatty(STDERR_FILENO) != 0; }
+
+int TerminalWidth() {
+  struct winsize size = {};
+  bool const known =
+      ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col : kUnknownWidth;
+}
+
+bool OutTakesUtf8() { return true; }
+
+std::FILE* OpenStream(std::filesystem::path const& path, char const* mode) {
+  return std::fopen(path.c_str(), mode);
+}
+
+bool IsHeld(std::filesystem::path const& path) {
+  // The share modes are the library's own: the system does not know them, so
+  // it is them when the system would let us in.
+  return access(path.c_str(), R_OK) == 0;
+}
+
+#endif
+
+}  // namespace tabwerk::tool::console

@@ -1,0 +1,43 @@
+// What differs between the systems that the tool runs on: its streams, the
+// terminal, and why a file does not open.  Texts are UTF-8 everywhere.
+#ifndef TABWERK_CLI_CONSOLE_H
+#define TABWERK_CLI_CONSOLE_H
+
+#include <cstdio>
+#include <filesystem>
+#include <string_view>
+
+namespace tabwerk::tool::console {
+
+// To be called first: from then on pipes and files get exactly the bytes that
+// are written.
+void SetUp();
+
+// Write to standard output and standard error.  A console gets every
+// character, whatever its code page.
+void Out(std::string_view text);
+void Err(std::string_view text);
+
+// Hands everything to the system.  False when some of the output was lost.
+[[nodiscard]] bool FlushOut();
+// True once output was lost, for example because nobody reads the pipe.
+bool OutFailed();
+
+bool OutIsTerminal();
+bool ErrIsTerminal();
+// Columns of the terminal that gets the output; 80 where that is unknown.
+int TerminalWidth();
+
+// True when bytes written to stdout itself, past Out, show as UTF-8.
+bool OutTakesUtf8();
+
+// As fopen, for any path.
+std::FILE* OpenStream(std::filesystem::path const& path, char const* mode);
+
+// For a file that is there and that the library does not open: true when
+// another opener is the reason.
+bool IsHeld(std::filesystem::path const& path);
+
+}  // namespace tabwerk::tool::console
+
+#endif  // TABWERK_CLI_CONSOLE_H

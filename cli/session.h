@@ -1,0 +1,45 @@
+// The database that a command works on.
+#ifndef TABWERK_CLI_SESSION_H
+#define TABWERK_CLI_SESSION_H
+
+#include <optional>
+#include <string>
+
+#include "DBTabelle.h"
+#include "cli/errors.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tabwerk::tool {
+
+// Which files make up the database; UTF-8.
+struct DatabaseFiles {
+  std::string main;
+  std::string user;  // empty: none
+  std::string name;  // empty: the main file's stem
+
+  // Name as the manager knows it and as the index file is called.
+  std::string DatabaseName() const;
+};
+
+// Adds the positional FILE, then USERFILE (needed or not), and --name.
+void AddDatabaseOptions(CLI::App& app, DatabaseFiles* files,
+                        bool user_file_required = false);
+
+// Opens the database in the manager so that no file of the user's is made or
+// changed: what would change an index file is done with copies.  The tables
+// are in memory and all files closed afterwards.
+std::optional<Problem> OpenToLook(DatabaseFiles const& files);
+// Opens it for writing its user file.
+std::optional<Problem> OpenToWrite(DatabaseFiles const& files);
+
+// A table of the opened database, on row 0; a table that could not be loaded
+// is a problem.  name is UTF-8.  The table is the manager's.
+std::optional<Problem> FindTable(DatabaseFiles const& files,
+                                 std::string const& name, DBTabelle** table);
+
+}  // namespace tabwerk::tool
+
+#endif  // TABWERK_CLI_SESSION_H

@@ -1,0 +1,206 @@
+// tabwerk build.
+#include "DBDirectory.h"
+#include "tests/cli/tool_test.h"
+
+namespace tabwerk::test {
+namespace {
+
+constexpr char kScript[] =
+    "NEWDATABASE stock stock.db\n"
+    "NEWTABLE ARTICLE\n"
+    "ID integer\n"
+    "NAME string\n"
+    "PRICE real\n"
+    "ENDDEF\n"
+    "TABLEDATA ARTICLE article.txt\n"
+    "NEWTABLE EMPTY\n"
+    "ID integer\n"
+    "ENDDEF\n";
+
+class ToolBuild : public ToolTest {
+ protected:
+  void MakeInput() const {
+    folder_.Make("stock.script", kScript);
+    MakeUnits("article.txt", "1,\"Bolt\",0.25\n2,\"Größe\",1\n");
+  }
+  // What the tool says of a script that does not work.
+  std::string Complaint(std::string const& script, int exit_code) const {
+    folder_.Make("a.script", script);
+    auto const run = Run({"build", "a.script"});
+    EXPECT_EQ(exit_code, run.exit_code);
+    EXPECT_EQ("", run.out);
+    return run.err;
+  }
+};
+
+TEST_F(ToolBuild, SaysWhatWasBuilt) {
+  MakeInput();
+  auto const run = Run({"build", "stock.script"});
+  EXPECT_EQ(
+      "stock.db: built with 2 tables, 2 rows\n"
+      "  ARTICLE: 2 rows\n"
+      "  EMPTY: 0 rows\n",
+      run.out);
+  EXPECT_EQ("", run.err);
+  EXPECT_EQ(0, run.exit_code);
+  EXPECT_EQ("[1|Bolt|0.25][2|Größe|1]", Rows("stock.db", "ARTICLE"));
+}
+
+TEST_F(ToolBuild, WorksInAnotherFolder) {
+  folder_.MakeFolder("süd");
+  folder_.Make("süd/stock.script", kScript);
+  MakeUnits("süd/article.txt", "1,\"Bolt\",0.25\n");
+  auto const run = Run({"build", "stock.script", "-C", "süd"});
+  EXPECT_EQ(0, run.exit_code) << run.err;
+  EXPECT_EQ("[1|Bolt|0.25]", Rows("süd/stock.db", "ARTICLE"));
+}
+
+TEST_F(ToolBuild, SaysThatTheFolderIsMissing) {
+  auto const run = Run({"build", "stock.script", "-C", "none"});
+  EXPECT_EQ(
+      "none: error: this is no folder to work in; check the path behind -C\n",
+      run.err);
+  EXPECT_EQ(3, run.exit_code);
+}
+
+TEST_F(ToolBuild, SaysThatTheScriptIsMissing) {
+  auto const run = Run({"build", "none.script"});
+  EXPECT_EQ(
+      "none.script: error: the script cannot be read; check its path and "
+      "permissions\n",
+      run.err);
+  EXPECT_EQ(3, run.exit_code);
+}
+
+TEST_F(ToolBuild, NamesTheLineOfAMissingDataFileAndKeepsTheOldDatabase) {
+  MakeInput();
+  ASSERT_EQ(0, Run({"build", "stock.script"}).exit_code);
+  std::filesystem::remove(folder_.folder() / "article.txt");
+  std::string const before = Snapshot();
+  auto const run = Run({"build", "stock.script"});
+  EXPECT_EQ(
+      "stock.script:7: error: there is no data file \"article.txt\"; paths "
+      "are relative to the current folder; see the option -C\n",
+      run.err);
+  EXPECT_EQ(3, run.exit_code);
+  EXPECT_EQ(before, Snapshot());
+}
+
+TEST_F(ToolBuild, NamesTheLineOfAMistake) {
+  EXPECT_EQ(
+      "a.script:2: error: NEWDATABASE needs a name and a file; write "
+      "\"NEWDATABASE name file\"\n",
+      Complaint("# comment\nNEWDATABASE a\n", 1));
+  EXPECT_EQ(
+      "a.script:1: error: NEWTABLE stands before NEWDATABASE; begin the "
+      "script with \"NEWDATABASE name file\"\n",
+      Complaint("NEWTABLE T\nA integer\nENDDEF\n", 1));
+  EXPECT_EQ(
+      "a.script:4: error: a column needs a name and a type; write \"name "
+      "type\", or end the definition with \"ENDDEF\"\n",
+      Complaint("NEWDATABASE a a.db\nNEWTABLE T\nA integer\nB\nENDDEF\n", 1));
+  EXPECT_EQ(
+      "a.script:3: error: an empty line inside a definition; write \"name "
+      "type\", or end the definition with \"ENDDEF\"\n",
+      Complaint("NEWDATABASE a a.db\nNEWTABLE T\n\nENDDEF\n", 1));
+  EXPECT_EQ(
+      "a.script:2: error: the definition of table T does not end; put a line "
+      "\"ENDDEF\" behind its columns\n",
+      Complaint("NEWDATABASE a a.db\r\nNEWTABLE T\r\nA integer\r\n", 1));
+  EXPECT_EQ(
+      "a.script:5: error: there is already a table T; give this one another "
+      "name\n",
+      Complaint("NEWDATABASE a a.db\nNEWTABLE T\nA integer\nENDDEF\n"
+                "NEWTABLE T\nA integer\nENDDEF\n",
+                1));
+  EXPECT_EQ(
+      "a.script:2: error: TABLEDATA stands before NEWTABLE; define the table "
+      "first; the data go into the last one\n",
+      Complaint("NEWDATABASE a a.db\nTABLEDATA T t.txt\n", 1));
+  EXPECT_EQ(
+      "a.script: error: there is no statement NEWDATABASE; begin it with "
+      "\"NEWDATABASE name file\"\n",
+      Complaint("# nothing\n", 1));
+  EXPECT_EQ(std::vector<std::string>{"a.script"}, folder_.Names());
+}
+
+TEST_F(ToolBuild, ReportsALastLineThatIsNotCarriedOut) {
+  MakeInput();
+  folder_.Make("a.script",
+               "NEWDATABASE a a.db\nNEWTABLE T\nA integer\nB string\n"
+               "C real\nENDDEF\nTABLEDATA T article.txt");
+  auto const run = Run({"build", "a.script"});
+  EXPECT_EQ("a.db: built with 1 table, 0 rows\n  T: 0 rows\n", run.out);
+  EXPECT_EQ(
+      "a.script:7: error: the last line is not carried out, because no line "
+      "feed ends it; end the line\n",
+      run.err);
+  EXPECT_EQ(1, run.exit_code);
+}
+
+TEST_F(ToolBuild, ReportsValuesThatWereLeftOut) {
+  MakeInput();
+  MakeUnits("article.txt", "1,\"Bolt\",0.25,surplus\n");
+  auto const run = Run({"build", "stock.script"});
+  EXPECT_EQ(
+      "stock.script: error: Number of columns and number of token do not "
+      "match in table ARTICLE; values behind the last column were left out; "
+      "correct the data file and build again\n",
+      run.err);
+  EXPECT_EQ(1, run.exit_code);
+  EXPECT_EQ("[1|Bolt|0.25]", Rows("stock.db", "ARTICLE"));
+}
+
+TEST_F(ToolBuild, SaysThatTheFolderOfTheDatabaseIsMissing) {
+  EXPECT_EQ(
+      "no/a.db: error: its folder \"no\" does not exist; make the folder "
+      "first\n",
+      Complaint("NEWDATABASE a no/a.db\nNEWTABLE T\nA integer\nENDDEF\n", 3));
+}
+
+TEST_F(ToolBuild, SaysThatTheDatabaseIsReadOnly) {
+  MakeInput();
+  MakeMainFile();
+  folder_.SetReadOnly("stock.db", true);
+  std::string const before = Snapshot();
+  auto const run = Run({"build", "stock.script"});
+  EXPECT_EQ("stock.db: error: the file is read-only; make it writable first\n",
+            run.err);
+  EXPECT_EQ(3, run.exit_code);
+  EXPECT_EQ(before, Snapshot());
+}
+
+TEST_F(ToolBuild, SaysThatTheDatabaseIsHeldAndKeepsIt) {
+  MakeInput();
+  MakeMainFile();
+  DBDirectory reader;
+  reader.Initialize(zWString(), {folder_.Path("stock.db")});
+  ASSERT_TRUE(reader.OpenDBdatei(0, false, false));
+  std::string const before = Snapshot();
+  auto const run = Run({"build", "stock.script"});
+  EXPECT_EQ(
+      "stock.db: error: another process holds the file; close the program "
+      "that uses it and try again\n",
+      run.err);
+  EXPECT_EQ(5, run.exit_code);
+  EXPECT_EQ(before, Snapshot());
+}
+
+TEST_F(ToolBuild, ComparesTheVersionOfAScriptNamedD000) {
+  folder_.Make("D000.script",
+               "NEWDATABASE d d.db\nNEWTABLE VERSION\nVERSION string\nENDDEF\n"
+               "TABLEDATA VERSION version.txt\n");
+  MakeUnits("version.txt", "\"1\"\n");
+  EXPECT_EQ(0, Run({"build", "D000.script"}).exit_code);
+  EXPECT_EQ(0,
+            Run({"build", "D000.script", "--expect-version", "1"}).exit_code);
+  auto const run = Run({"build", "D000.script", "--expect-version", "2"});
+  EXPECT_EQ(
+      "D000.script: error: the version of the data is not \"2\"; the database "
+      "was built all the same; check its table VERSION\n",
+      run.err);
+  EXPECT_EQ(1, run.exit_code);
+}
+
+}  // namespace
+}  // namespace tabwerk::test

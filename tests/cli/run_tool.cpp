@@ -1,0 +1,150 @@
+#include "tests/cli/run_tool.h"
+
+#include "tests/support/scratch_folder.h"
+#include "ztypes.h"
+
+#ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace tabwerk::test {
+
+#ifdef _WIN32
+
+namespace {
+
+// One word of a command line, as the C library takes it apart again.
+std::wstring Quoted(std::string const& argument) {
+  std::wstring text = L"\"";
+  std::size_t backslashes = 0;
+  for (wchar_t const unit : zWString::fromUtf8(argument).toStdWString()) {
+    if (unit == L'"') text.append(backslashes + 1, L'\\');
+    backslashes = unit == L'\\' ? backslashes + 1 : 0;
+    text += unit;
+  }
+  text.append(backslashes, L'\\');
+  return text + L"\"";
+}
+
+HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
+  SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+  return CreateFileW(path.c_str(), for_writing ? GENERIC_WRITE : GENERIC_READ,
+                     FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                     for_writing ? CREATE_ALWAYS : OPEN_EXISTING,
+                     FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+}  // namespace
+
+ToolRun RunTool(std::filesystem::path const& folder,
+                std::vector<std::string> const& arguments) {
+  ScratchFolder const streams;
+  std::wstring line = Quoted(TABWERK_TEST_TOOL);
+  for (std::string const& argument : arguments) line += L" " + Quoted(argument);
+
+  STARTUPINFOW start = {};
+  start.cb = sizeof start;
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdInput = OpenInheritable(L"NUL", false);
+  start.hStdOutput = OpenInheritable(streams.Path("out").toStdWString(), true);
+  start.hStdError = OpenInheritable(streams.Path("err").toStdWString(), true);
+  PROCESS_INFORMATION made = {};
+  ToolRun run;
+  if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                     folder.c_str(), &start, &made)) {
+    WaitForSingleObject(made.hProcess, INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(made.hProcess, &code);
+    run.exit_code = static_cast<int>(code);
+    CloseHandle(made.hThread);
+    CloseHandle(made.hProcess);
+  }
+  for (HANDLE const handle :
+       {start.hStdInput, start.hStdOutput, start.hStdError}) {
+    CloseHandle(handle);
+  }
+  run.out = streams.Content("out");
+  run.err = streams.Content("err");
+  return run;
+}
+
+#else
+
+namespace {
+
+[[noreturn]] void BecomeTool(std::filesystem::path const& folder,
+                             std::vector<std::string> const& arguments) {
+  std::vector<std::string> words = {TABWERK_TEST_TOOL};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  if (chdir(folder.c_str()) == 0) execv(TABWERK_TEST_TOOL, pointers.data());
+  _exit(127);
+}
+
+void Redirect(std::string const& path, int flags, int target) {
+  int const file = open(path.c_str(), flags, 0600);
+  if (file < 0 || dup2(file, target) < 0) _exit(127);
+  close(file);
+}
+
+int WaitFor(pid_t process) {
+  int status = 0;
+  if (process < 0 || waitpid(process, &status, 0) != process) return -1;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+ToolRun RunToolInto(char const* output, std::filesystem::path const& folder,
+                    std::vector<std::string> const& arguments) {
+  ScratchFolder const streams;
+  pid_t const process = fork();
+  if (process == 0) {
+    Redirect("/dev/null", O_RDONLY, STDIN_FILENO);
+    Redirect(output != nullptr ? output : streams.Path("out").toUtf8(),
+             O_WRONLY | O_CREAT, STDOUT_FILENO);
+    Redirect(streams.Path("err").toUtf8(), O_WRONLY | O_CREAT, STDERR_FILENO);
+    BecomeTool(folder, arguments);
+  }
+  ToolRun run;
+  run.exit_code = WaitFor(process);
+  if (output == nullptr) run.out = streams.Content("out");
+  run.err = streams.Content("err");
+  return run;
+}
+
+ToolRun RunTool(std::filesystem::path const& folder,
+                std::vector<std::string> const& arguments) {
+  return RunToolInto(nullptr, folder, arguments);
+}
+
+ToolRun RunToolOnTerminal(std::filesystem::path const& folder,
+                          std::vector<std::string> const& arguments,
+                          int columns) {
+  struct winsize size = {};
+  size.ws_row = 25;
+  size.ws_col = static_cast<unsigned short>(columns);
+  int terminal = -1;
+  pid_t const process = forkpty(&terminal, nullptr, nullptr, &size);
+  if (process == 0) BecomeTool(folder, arguments);
+  ToolRun run;
+  char byte = 0;
+  while (process > 0 && read(terminal, &byte, 1) == 1) {
+    if (byte != '\r') run.out += byte;
+  }
+  run.exit_code = WaitFor(process);
+  close(terminal);
+  return run;
+}
+
+#endif
+
+}  // namespace tabwerk::test

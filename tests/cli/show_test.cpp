@@ -1,0 +1,301 @@
+// tabwerk show and tabwerk dump.
+#include "DBDirectory.h"
+#include "tests/cli/tool_test.h"
+
+namespace tabwerk::test {
+namespace {
+
+using ToolShow = ToolTest;
+using ToolDump = ToolTest;
+using ToolLooking = ToolTest;
+
+TEST_F(ToolShow, PrintsCompleteLinesToAPipe) {
+  MakeStock();
+  auto const run = Run({"show", "stock.db", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "ID\tFOLGE\tSTATUS\tNAME\tPRICE\n"
+      "1\t1\t0\tBolt\t0.25\n"
+      "2\t2\t0\tNut\t1.5\n",
+      run.out);
+  EXPECT_EQ("", run.err);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolShow, PrintsTheUsersRowsBehindTheShippedOnes) {
+  MakeStock();
+  auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "ID\tFOLGE\tSTATUS\tNAME\tPRICE\n"
+      "1\t1\t0\tBolt\t0.25\n"
+      "2\t2\t0\tNut\t1.5\n"
+      "20000\t3\t0\tWasher\t0.5\n",
+      run.out);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolShow, ChoosesTheLanguage) {
+  MakeMainFile();
+  auto const run = Run(
+      {"show", "stock.db", "-t", "ARTICLE", "--language", "2", "--limit", "1"});
+  EXPECT_EQ("ID\tFOLGE\tSTATUS\tNAME\tPRICE\n1\t1\t0\tボルト\t0.25\n", run.out);
+}
+
+TEST_F(ToolShow, PrintsNoRowWithLimit0) {
+  MakeMainFile();
+  auto const run =
+      Run({"show", "stock.db", "--table", "ARTICLE", "--limit", "0"});
+  EXPECT_EQ("ID\tFOLGE\tSTATUS\tNAME\tPRICE\n", run.out);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolShow, KeepsControlCharactersOnTheLine) {
+  MakeDatabase("a.db", {PlainHeader::kCurrent,
+                        1000,
+                        {{"T", "string NAME\n", {"a\tb\nc\rd\\e\x1B[31m"}}}});
+  EXPECT_EQ("NAME\na\\tb\\nc\\rd\\\\e\\x1B[31m\n",
+            Run({"show", "a.db", "-t", "T"}).out);
+}
+
+TEST_F(ToolShow, AppliesTheUsersIndexFile) {
+  MakeStock();
+  auto const index =
+      EncodeIndex({{1000, 2000},
+                   {{{}, {-1}, {}},
+                    {{{1, 0}, {2, 1}, {20000, 2}}, {-1, 2, 1, 0}, {0, 0, 1}}}});
+  folder_.Make("STOCK.idx", std::string(index.begin(), index.end()));
+  auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "ID\tFOLGE\tSTATUS\tNAME\tPRICE\n"
+      "1\t3\t0\tBolt\t0.25\n"
+      "2\t2\t0\tNut\t1.5\n"
+      "20000\t1\t1\tWasher\t0.5\n",
+      run.out);
+}
+
+TEST_F(ToolShow, TakesTheIndexFileByTheGivenName) {
+  MakeStock();
+  auto const index =
+      EncodeIndex({{1000, 2000},
+                   {{{}, {-1}, {}},
+                    {{{1, 0}, {2, 1}, {20000, 2}}, {-1, 2, 1, 0}, {0, 0, 1}}}});
+  folder_.Make("OTHER.idx", std::string(index.begin(), index.end()));
+  auto const run = Run(
+      {"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE", "--name", "other"});
+  EXPECT_NE(std::string::npos, run.out.find("20000\t1\t1\tWasher")) << run.out;
+}
+
+TEST_F(ToolShow, NamesTheTablesWhenThereIsNoSuchTable) {
+  MakeMainFile();
+  auto const run = Run({"show", "stock.db", "-t", "article"});
+  EXPECT_EQ(
+      "stock.db: error: there is no table article; the tables are EMPTY, "
+      "ARTICLE\n",
+      run.err);
+  EXPECT_EQ(2, run.exit_code);
+}
+
+TEST_F(ToolShow, NamesAMissingFile) {
+  auto const run = Run({"show", "none.db", "-t", "T"});
+  EXPECT_EQ(
+      "none.db: error: there is no such file; check the path, or make the "
+      "database with \"tabwerk build\"\n",
+      run.err);
+  EXPECT_EQ("", run.out);
+  EXPECT_EQ(3, run.exit_code);
+}
+
+TEST_F(ToolShow, NamesAMissingUserFile) {
+  MakeMainFile();
+  auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
+  EXPECT_EQ(0U, run.err.find("STOCK.UDB: error: there is no such file"))
+      << run.err;
+  EXPECT_EQ(3, run.exit_code);
+}
+
+TEST_F(ToolShow, RefusesAFolder) {
+  folder_.MakeFolder("sub");
+  auto const run = Run({"show", "sub", "-t", "T"});
+  EXPECT_EQ("sub: error: this is a folder; name a file of a database\n",
+            run.err);
+  EXPECT_EQ(3, run.exit_code);
+}
+
+TEST_F(ToolShow, RefusesAFileThatIsNoDatabase) {
+  folder_.Make("text.db", "verily, this is a text\n");
+  auto const run = Run({"show", "text.db", "-t", "T"});
+  EXPECT_EQ(0U, run.err.find("text.db: error: this is no database file"))
+      << run.err;
+  EXPECT_EQ(4, run.exit_code);
+}
+
+TEST_F(ToolShow, RefusesAUserFileOfOtherTables) {
+  MakeMainFile();
+  MakeDatabase("STOCK.UDB",
+               {PlainHeader::kCurrent,
+                2000,
+                {{"ARTICLE", "string NAME\n", {}}, {"EMPTY", "real X\n", {}}}});
+  auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "STOCK.UDB: error: the tables in it are defined otherwise than in "
+      "stock.db; open it with the main file that it was made for\n",
+      run.err);
+  EXPECT_EQ(3, run.exit_code);
+}
+
+TEST_F(ToolShow, RefusesADamagedTableAndShowsTheOthers) {
+  MakeMainFile();
+  // The number of rows behind the definition of ARTICLE.
+  std::string bytes = folder_.Content("stock.db");
+  bytes[bytes.find("real PRICE\n") + 15] = '\x7F';
+  folder_.Make("stock.db", bytes);
+  auto const run = Run({"show", "stock.db", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "stock.db: error: table ARTICLE is damaged and cannot be loaded; "
+      "restore the file from a backup; \"tabwerk info\" shows which tables "
+      "are sound\n",
+      run.err);
+  EXPECT_EQ(4, run.exit_code);
+  EXPECT_EQ(0, Run({"show", "stock.db", "-t", "EMPTY"}).exit_code);
+}
+
+TEST_F(ToolShow, SaysThatTheFileIsHeld) {
+  MakeStock();
+  DBDirectory holder;
+  holder.Initialize(zWString(), {folder_.Path("STOCK.UDB")});
+  ASSERT_TRUE(holder.OpenDBdatei(0, true, true));
+  auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "STOCK.UDB: error: another process holds the file; close the program "
+      "that uses it and try again\n",
+      run.err);
+  EXPECT_EQ(5, run.exit_code);
+}
+
+TEST_F(ToolShow, ReadsAlongWithAProgramThatWrites) {
+  MakeStock();
+  DBDirectory holder;
+  holder.Initialize(zWString(), {folder_.Path("STOCK.UDB")});
+  ASSERT_TRUE(holder.OpenDBdatei(0, true, false));
+  EXPECT_EQ(0,
+            Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
+}
+
+#ifndef _WIN32
+
+TEST_F(ToolShow, AlignsColumnsOnATerminal) {
+  MakeMainFile();
+  auto const run = RunToolOnTerminal(
+      folder_.folder(),
+      {"show", "stock.db", "-t", "ARTICLE", "--language", "2", "--limit", "1"},
+      80);
+  EXPECT_EQ(
+      "ID  FOLGE  STATUS  NAME    PRICE\n"
+      "--  -----  ------  ------  -----\n"
+      " 1      1       0  ボルト   0.25\n"
+      "(1 of 2 rows)\n",
+      run.out);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolShow, CutsColumnsToFitTheTerminal) {
+  MakeDatabase("a.db",
+               {PlainHeader::kCurrent,
+                1000,
+                {{"T", "integer ID,string NAME\n", {"1|a long long name"}}}});
+  EXPECT_EQ(
+      "ID  NAME\n"
+      "--  ----------\n"
+      " 1  a long lo…\n",
+      RunToolOnTerminal(folder_.folder(), {"show", "a.db", "-t", "T"}, 14).out);
+}
+
+TEST_F(ToolShow, SaysThatTheOutputIsLost) {
+  MakeMainFile();
+  auto const run = RunToolInto("/dev/full", folder_.folder(),
+                               {"show", "stock.db", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "tabwerk: error: the output could not be written; check where it goes "
+      "and the space there\n",
+      run.err);
+  EXPECT_EQ(3, run.exit_code);
+}
+
+#endif
+
+TEST_F(ToolDump, PrintsTextsAsTheyAreStored) {
+  MakeStock();
+  auto const run = Run({"dump", "stock.db", "-t", "ARTICLE"});
+  EXPECT_EQ(
+      "1;1;0;\"#TS(Bolt¬Bolzen¬ボルト)TS~\";0.25\n"
+      "2;2;0;\"Nut\";1.5\n",
+      run.out);
+  EXPECT_EQ("", run.err);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolDump, PrintsTheUsersRows) {
+  MakeStock();
+  auto const run = Run({"dump", "stock.db", "STOCK.UDB", "-t", "ARTICLE",
+                        "--user", "--separator", " | "});
+  EXPECT_EQ("20000 | 3 | 0 | \"Washer\" | 0.5\n", run.out);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolDump, PrintsNothingForAnEmptyTable) {
+  MakeStock();
+  auto const run = Run({"dump", "stock.db", "-t", "EMPTY"});
+  EXPECT_EQ("", run.out);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolDump, NeedsAUserFileForTheUsersRows) {
+  MakeStock();
+  auto const run = Run({"dump", "stock.db", "-t", "ARTICLE", "--user"});
+  EXPECT_EQ(
+      "tabwerk: error: --user needs a USERFILE; name the user file behind "
+      "FILE\n",
+      run.err);
+  EXPECT_EQ(2, run.exit_code);
+}
+
+// Without an index file, and with one that is older than the files: opening
+// the database would make it anew.
+TEST_F(ToolLooking, ChangesNoFile) {
+  MakeStock();
+  for (bool const with_index : {false, true}) {
+    if (with_index) {
+      auto const index = EncodeIndex(
+          {{1, 2}, {{{}, {-1}, {}}, {{{1, 0}, {2, 1}}, {-1, 0, 1}, {0, 0}}}});
+      folder_.Make("STOCK.idx", std::string(index.begin(), index.end()));
+    }
+    std::string const before = Snapshot();
+    EXPECT_EQ(
+        0, Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
+    EXPECT_EQ(
+        0, Run({"dump", "stock.db", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
+    EXPECT_EQ(0, Run({"info", "stock.db", "STOCK.UDB"}).exit_code);
+    EXPECT_EQ(0, Run({"show", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
+    EXPECT_EQ(before, Snapshot()) << "index: " << with_index;
+  }
+}
+
+TEST_F(ToolLooking, TakesReadOnlyFiles) {
+  MakeStock();
+  folder_.SetReadOnly("stock.db", true);
+  folder_.SetReadOnly("STOCK.UDB", true);
+  EXPECT_EQ(0,
+            Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
+}
+
+TEST_F(ToolLooking, TakesPathsWithAllCharacters) {
+  MakeMainFile();
+  std::string const bytes = folder_.Content("stock.db");
+  folder_.MakeFolder("Größe Ελλάς");
+  folder_.Make("Größe Ελλάς/склад 倉庫.db", bytes);
+  auto const run = Run({"show", "Größe Ελλάς/склад 倉庫.db", "-t", "ARTICLE"});
+  EXPECT_EQ("", run.err);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+}  // namespace
+}  // namespace tabwerk::test
