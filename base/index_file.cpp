@@ -6,6 +6,7 @@
 #include "platform/platform.h"
 #include "schema/directory_access.h"
 #include "schema/format.h"
+#include "table/table_access.h"
 
 namespace tabwerk {
 
@@ -100,6 +101,27 @@ void BuildIndices(std::vector<DBTabelle*> const& tables) {
   }
 }
 
+namespace {
+
+// False when memory was exhausted while the indices were built.
+bool IndicesAreWhole(DBTabelle& table) {
+  auto const rows = static_cast<std::size_t>(table.GetAnzahlZeilen());
+  return TableAccess::Folge(table).size() == rows + 1 &&
+         TableAccess::Status(table).size() == rows &&
+         (rows == 0 || !TableAccess::Ids(table).empty());
+}
+
+// Bytes of a table's three sections: tags, counts and entries.
+std::size_t SectionBytes(DBTabelle& table) {
+  constexpr std::size_t kTagsAndCounts = 2 + 5 + 6 + 3 * sizeof(std::int32_t);
+  auto const values = 2 * TableAccess::Ids(table).size() +
+                      TableAccess::Folge(table).size() +
+                      TableAccess::Status(table).size();
+  return kTagsAndCounts + values * sizeof(std::int32_t);
+}
+
+}  // namespace
+
 bool WriteIndex(zWString const& path, std::vector<long long> const& time_stamps,
                 std::vector<DBTabelle*> const& tables) {
   auto error = platform::Error::kNone;
@@ -109,13 +131,18 @@ bool WriteIndex(zWString const& path, std::vector<long long> const& time_stamps,
   for (auto const stamp : time_stamps) {
     platform::Write(stream, &stamp, sizeof stamp);
   }
+  auto size = time_stamps.size() * sizeof(std::int64_t);
+  bool ok = true;
   for (auto* table : tables) {
     BuildIndices({table});
+    ok = ok && IndicesAreWhole(*table);
+    size += SectionBytes(*table);
     table->WriteIndexID(stream);
     table->WriteIndexFolge(stream);
     table->WriteIndexStatus(stream);
   }
-  bool ok = platform::Sync(stream) && !platform::Failed(stream);
+  ok = ok && platform::Sync(stream) && !platform::Failed(stream) &&
+       platform::FileSize(stream) == static_cast<std::int64_t>(size);
   ok = platform::Close(stream) && ok;
   // The result of the deletion is not examined: what is left is overwritten by
   // the next attempt.

@@ -56,13 +56,13 @@ std::string DateAndTime(std::int64_t seconds) {
   std::chrono::year_month_day const date(midnight);
   std::chrono::hh_mm_ss const clock(time - midnight);
   char text[64];
-  std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d UTC",
-                static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()),
-                static_cast<unsigned>(date.day()),
-                static_cast<int>(clock.hours().count()),
-                static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()));
+  static_cast<void>(std::snprintf(
+      text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d UTC",
+      static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+      static_cast<unsigned>(date.day()),
+      static_cast<int>(clock.hours().count()),
+      static_cast<int>(clock.minutes().count()),
+      static_cast<int>(clock.seconds().count())));
   return text;
 }
 

@@ -37,6 +37,17 @@ void Judge(std::u16string_view expression) {
   }
 }
 
+// True when a number in it may be too large for the standard library.
+bool HasLongNumber(std::u16string_view expression) {
+  constexpr int kMostDigits = 9;
+  int digits = 0;
+  for (char16_t const unit : expression) {
+    digits = unit >= u'0' && unit <= u'9' ? digits + 1 : 0;
+    if (digits > kMostDigits) return true;
+  }
+  return false;
+}
+
 std::int32_t CodeSize(auto const& program) {
   return static_cast<std::int32_t>(program->code.size());
 }
@@ -47,7 +58,9 @@ Pattern::Pattern(std::u16string_view expression) {
   if (expression.size() > kMaxExpression) {
     throw std::regex_error(codes::error_complexity);
   }
-  if (expression.size() <= kMaxJudged) Judge(expression);
+  if (expression.size() <= kMaxJudged && !HasLongNumber(expression)) {
+    Judge(expression);
+  }
   tree_ = ParsePattern(expression);
   program_ = Compile(tree_.root, false);
   for (std::int32_t const root : tree_.lookaheads) {

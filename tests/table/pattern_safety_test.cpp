@@ -92,6 +92,7 @@ TEST(PatternLimits, LargeRepetitionProductsAreAnError) {
   EXPECT_EQ("complexity", Result(u"(?:){2000000000}", u""));
   EXPECT_EQ("complexity", Result(u"a{99999999999999999999}", u""));
   EXPECT_EQ("complexity", Result(u"a{0,100000}", u""));
+  EXPECT_EQ("match", Result(u"a,12345678901234", u"a,12345678901234"));
 }
 
 TEST(PatternLimits, LongExpressionsMatchUpToALimit) {

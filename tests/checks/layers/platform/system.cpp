@@ -1,0 +1,7 @@
+// Allowed here.
+#include <windows.h>
+
+#include "ztypes/text.h"
+#ifdef _WIN32
+FILE* Open() { return std::fopen("a", "r"); }
+#endif
