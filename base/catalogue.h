@@ -23,7 +23,7 @@ class Catalogue {
   DBDirectory* Add();
   bool Owns(DBDirectory const* directory) const noexcept;
   void Delete(DBDirectory* directory) noexcept;
-  // Deletes all directories in the order in which their chain was made.
+  // Deletes all directories, front to back of the chain: the newest first.
   void Clear() noexcept;
 
  private:

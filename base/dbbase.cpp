@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -32,7 +33,17 @@ DBbase::DBbase(DBDirectory* directory) : DBbase() {
 
 DBbase::DBbase(DBbase const& other) = default;
 
-DBbase& DBbase::operator=(DBbase const& other) = default;
+DBbase& DBbase::operator=(DBbase const& other) {
+  // All copies that may fail come first.
+  DBbase copy(other);
+  current_ = copy.current_;
+  first_ = copy.first_;
+  borrowed_ = copy.borrowed_;
+  names_ = std::move(copy.names_);
+  files_ = std::move(copy.files_);
+  catalogue_ = std::move(copy.catalogue_);
+  return *this;
+}
 
 DBbase::~DBbase() = default;
 
@@ -145,6 +156,7 @@ void ManagerAccess::AddDatabases(
     auto* const first = First(target);
     auto* const directory = target.catalogue_->Add();
     directory->Initialize(name, files[i]);
+    if (directory->GetNumberFiles() != files[i].size()) throw std::bad_alloc();
     directory->Setnextdbdir(first);
     target.first_ = directory;
   }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DBbase.h"
+#include "base/file_lock.h"
 #include "base/index_file.h"
 #include "base/manager_access.h"
 #include "platform/guarded.h"
@@ -14,6 +15,8 @@
 #include "table/table_access.h"
 
 using tabwerk::BuildIndices;
+using tabwerk::DirectoryAccess;
+using tabwerk::FileLock;
 using tabwerk::Guarded;
 using tabwerk::IndexContent;
 using tabwerk::ManagerAccess;
@@ -38,74 +41,112 @@ enum class Finding : std::uint8_t {
   kValidAndApplied,
   kStaleAndApplied,
   kNone,        // there is none, or what is there counts as missing
-  kUnreadable,  // it may still hold the user's order
+  kUnreadable,  // it still holds, or may hold, the user's order
 };
 
-void ApplyValid(MemorySource sections, std::vector<DBTabelle*> const& tables) {
+// False when memory was exhausted: the order is then not, or not wholly, in the
+// tables.
+bool ApplyValid(MemorySource sections, std::vector<DBTabelle*> const& tables) {
+  bool ok = true;
   for (auto* table : tables) {
-    TableAccess::ReadIds(*table, sections);
-    TableAccess::ReadFolge(*table, sections, RowUpdate::kRowsToo);
-    TableAccess::ReadStatus(*table, sections, RowUpdate::kRowsToo);
+    ok = ok && TableAccess::ReadIds(*table, sections) &&
+         TableAccess::ReadFolge(*table, sections, RowUpdate::kRowsToo) &&
+         TableAccess::ReadStatus(*table, sections, RowUpdate::kRowsToo);
   }
+  return ok;
 }
 
 // Carries the recorded order and status over to rows that have changed.
-void ApplyStale(MemorySource sections, std::vector<DBTabelle*> const& tables) {
+bool ApplyStale(MemorySource sections, std::vector<DBTabelle*> const& tables) {
   auto* const splash = zSplashMessage::GetSplashMessage();
+  bool ok = true;
   for (auto* table : tables) {
     splash->Show(zWString(u"Updating database index"));
-    TableAccess::ReadIds(*table, sections);
-    TableAccess::ReadFolge(*table, sections, RowUpdate::kIndexOnly);
-    TableAccess::ReadStatus(*table, sections, RowUpdate::kIndexOnly);
-    table->ResortIndexID();
+    ok = ok && TableAccess::ReadIds(*table, sections) &&
+         TableAccess::ReadFolge(*table, sections, RowUpdate::kIndexOnly) &&
+         TableAccess::ReadStatus(*table, sections, RowUpdate::kIndexOnly) &&
+         TableAccess::Resort(*table);
   }
   splash->Clear();
+  return ok;
 }
 
-// The path to read the index from.  An index that waits for one of the stamps
-// that the files now carry belongs to a save that was interrupted right before
-// its last step: it is moved to its place, or read where it is.  Nothing when
-// that cannot be found out.
-std::optional<zWString> SettlePendingIndex(
-    zWString const& path, std::vector<long long> const& stamps) {
-  for (auto const stamp : stamps) {
-    auto const pending = tabwerk::PendingIndexPath(path, stamp);
+std::span<std::byte const> BytesOf(platform::Block const& block) {
+  return {block.data(), block.size()};
+}
+
+// What is found of the indices that wait for the stamps of a database's files.
+struct Waiting {
+  bool unknown = false;            // one of them could not be read
+  std::optional<zWString> newest;  // path
+};
+
+// An index that waits for one of the stamps that the files now carry belongs to
+// a save that was interrupted right before its last step.  Of several, the
+// newest is the one that knows the other files' present stamps.
+Waiting FindWaiting(zWString const& path, DBDirectory const& directory,
+                    std::vector<DBTabelle*> const& tables) {
+  Waiting waiting;
+  auto const stamps = tabwerk::TimeStamps(directory);
+  for (std::size_t i = 0; i < stamps.size(); ++i) {
+    auto const pending = tabwerk::PendingIndexPath(path, stamps[i]);
     bool missing = false;
-    bool const readable =
-        tabwerk::ReadIndexBytes(pending, &missing).has_value();
+    auto const content = tabwerk::ReadIndexBytes(pending, &missing);
     if (missing) continue;
-    if (!readable) return std::nullopt;
-    auto const moved = platform::Replace(pending, path);
-    return moved == platform::Error::kNone ? path : pending;
+    if (!content) {
+      waiting.unknown = true;
+      continue;
+    }
+    auto const bytes = BytesOf(*content);
+    if (tabwerk::CheckIndex(bytes, directory, tables) ==
+        IndexContent::kUnusable) {
+      tabwerk::DeleteLeftover(pending);  // its save ended before it was whole
+      continue;
+    }
+    if (!waiting.newest || tabwerk::KnowsStampsBut(bytes, stamps, i)) {
+      waiting.newest = pending;
+    }
   }
-  return path;
+  return waiting;
+}
+
+// The path to read the index from: a waiting index is moved to its place, or
+// read where it is.  Nothing when that cannot be found out.
+std::optional<zWString> SettlePendingIndex(
+    zWString const& path, DBDirectory const& directory,
+    std::vector<DBTabelle*> const& tables) {
+  auto const waiting = FindWaiting(path, directory, tables);
+  if (waiting.unknown) return std::nullopt;
+  if (!waiting.newest) return path;
+  auto const moved = platform::Replace(*waiting.newest, path);
+  return moved == platform::Error::kNone ? path : *waiting.newest;
 }
 
 Finding ApplyIndex(zWString const& path, DBDirectory const& directory,
                    std::vector<DBTabelle*> const& tables) {
-  auto const source = SettlePendingIndex(path, directory.GetTimeStamps());
+  auto const source = SettlePendingIndex(path, directory, tables);
   if (!source) return Finding::kUnreadable;
   bool missing = false;
   auto const content = tabwerk::ReadIndexBytes(*source, &missing);
   if (missing) return Finding::kNone;
   if (!content) return Finding::kUnreadable;
-  std::span<std::byte const> const bytes(content->data(), content->size());
+  auto const bytes = BytesOf(*content);
   auto const kind = tabwerk::CheckIndex(bytes, directory, tables);
   if (kind == IndexContent::kUnusable) return Finding::kNone;
   MemorySource const sections(bytes.subspan(tabwerk::StampBytes(directory)));
   if (kind == IndexContent::kValid) {
-    ApplyValid(sections, tables);
-    return Finding::kValidAndApplied;
+    return ApplyValid(sections, tables) ? Finding::kValidAndApplied
+                                        : Finding::kUnreadable;
   }
-  ApplyStale(sections, tables);
-  return Finding::kStaleAndApplied;
+  return ApplyStale(sections, tables) ? Finding::kStaleAndApplied
+                                      : Finding::kUnreadable;
 }
 
 // False when another program has replaced a file that this one has read and
 // closed: an index for the old file must not take the place of the new one's.
 // A file that is open cannot be replaced.
 bool FilesAreAsRead(DBDirectory const& directory) {
-  auto const stamps = directory.GetTimeStamps();
+  auto const stamps = tabwerk::TimeStamps(directory);
   for (std::size_t i = 0; i < stamps.size(); ++i) {
     if (directory.GetFile(i) != nullptr) continue;
     auto error = platform::Error::kNone;
@@ -135,37 +176,41 @@ int DBbase::WriteIndexToFile(DBDirectory* directory) const {
     if (path.isEmpty()) return kIndexNotWritten;
     std::vector<DBTabelle*> tables;
     if (!tabwerk::LoadedTables(*directory, &tables)) return kIndexNotWritten;
-    if (tabwerk::DirectoryAccess::IndexUnread(*directory) ||
+    FileLock const lock(path + zWString(u"L"));
+    if (!lock.IsHeld() || DirectoryAccess::IndexUnread(*directory) ||
         !FilesAreAsRead(*directory)) {
       return kIndexNotWritten;
     }
     auto const fresh = path + zWString(u"T");
-    if (!tabwerk::WriteIndex(fresh, directory->GetTimeStamps(), tables)) {
+    auto const stamps = tabwerk::TimeStamps(*directory);
+    if (!tabwerk::WriteIndex(fresh, stamps, tables)) return kIndexNotWritten;
+    if (platform::Replace(fresh, path) != platform::Error::kNone) {
+      tabwerk::DeleteLeftover(fresh);
       return kIndexNotWritten;
     }
-    if (platform::Replace(fresh, path) == platform::Error::kNone) {
-      return kIndexWritten;
+    // One that could not be moved to its place is older than this one.
+    for (auto const stamp : stamps) {
+      tabwerk::DeleteLeftover(tabwerk::PendingIndexPath(path, stamp));
     }
-    // Not examined: what is left is overwritten by the next attempt.
-    (void)platform::Delete(fresh);
-    return kIndexNotWritten;
+    return kIndexWritten;
   });
 }
 
 int DBbase::MakeIndexFile(DBDirectory* directory) const {
+  // Until it is known what the file holds, nothing is written over it.
+  DirectoryAccess::IndexUnread(*directory) = true;
   auto const path = IndexFileName(directory);
   if (path.isEmpty()) return kNoIndexFile;
   std::vector<DBTabelle*> tables;
   if (!tabwerk::LoadedTables(*directory, &tables)) {
     // The sections of the table that is missing stand nowhere else.
-    BuildIndices(tables);
+    for (auto* table : tables) BuildIndices(*table);
     return kIndexInMemoryOnly;
   }
   auto const finding = ApplyIndex(path, *directory, tables);
-  tabwerk::DirectoryAccess::IndexUnread(*directory) =
-      finding == Finding::kUnreadable;
+  DirectoryAccess::IndexUnread(*directory) = finding == Finding::kUnreadable;
   if (finding == Finding::kValidAndApplied) return kValidIndexRead;
   if (WriteIndexToFile(directory) != kIndexNotWritten) return kIndexRebuilt;
-  BuildIndices(tables);
+  for (auto* table : tables) BuildIndices(*table);
   return kIndexInMemoryOnly;
 }

@@ -30,14 +30,6 @@ bool HasUserExtension(zWString const& path) {
   return zWString(tail).ToUpper() == extension;
 }
 
-bool AllPartsLoaded(DBDirEntry& entry) {
-  auto const& parts = DirectoryAccess::Parts(entry);
-  for (auto const& part : parts) {
-    if (!part->loaded) return false;
-  }
-  return !parts.empty();
-}
-
 // The files are opened in order until one fails.
 bool OpenAllFiles(DBDirectory& directory, bool for_write, bool create,
                   bool* made) {
@@ -53,6 +45,16 @@ bool OpenAllFiles(DBDirectory& directory, bool for_write, bool create,
   return true;
 }
 
+void LoadAllTables(DBDirectory& directory) {
+  for (auto* entry = directory.GetEntries(); entry != nullptr;
+       entry = entry->GetNext()) {
+    DirectoryAccess::SetCurrentTable(directory, entry);
+    DBTabelle* table = nullptr;
+    // Not examined: the other tables of the database stay usable.
+    (void)ManagerAccess::LoadTable(directory, *entry, table);
+  }
+}
+
 }  // namespace
 
 int DBbase::Open(zWString const& name, bool forWrite, bool create) {
@@ -66,7 +68,7 @@ int DBbase::Open(zWString const& name, bool forWrite, bool create) {
     if (directory == nullptr) return 0;
     if (OpenDatabaseFile(forWrite, create, directory) == 0) return 0;
     // Not examined: a database is open whatever becomes of its index file.
-    (void)MakeIndexFile(directory);
+    (void)Guarded(0, [&] { return MakeIndexFile(directory); });
     return 1;
   });
 }
@@ -122,7 +124,10 @@ DBbase* DBbase::ReOpen(bool forWrite) {
 int DBbase::OpenTabelle(char const* name, DBTabelle*& table) {
   return Guarded(0, [&] {
     auto* const directory = ManagerAccess::Current(*this);
-    if (directory == nullptr || !directory->FileIsOpen(false, false)) return 0;
+    if (ManagerAccess::First(*this) == nullptr || directory == nullptr ||
+        !directory->FileIsOpen(false, false)) {
+      return 0;
+    }
     auto* const entry = directory->FindTable(name, directory->GetEntries());
     DirectoryAccess::SetCurrentTable(*directory, entry);
     if (entry == nullptr) return 0;
@@ -170,27 +175,24 @@ int ManagerAccess::OpenFiles(DBbase& manager, bool for_write, bool create,
   if (directory == nullptr) return 0;
   directory->CloseDBdatei();
   directory->ResetEntries();
-  if (!OpenAllFiles(*directory, for_write, create, made)) {
+  bool const opened = Guarded(false, [&] {
+    if (!OpenAllFiles(*directory, for_write, create, made)) return false;
+    if (!create) LoadAllTables(*directory);
+    return true;
+  });
+  if (!opened) {
     // A database that does not open leaves the catalogue.
     (void)manager.Close(zWString());
     return 0;
   }
-  if (create) return 1;
-  for (auto* entry = directory->GetEntries(); entry != nullptr;
-       entry = entry->GetNext()) {
-    DirectoryAccess::SetCurrentTable(*directory, entry);
-    DBTabelle* table = nullptr;
-    // Not examined: the other tables of the database stay usable.
-    (void)LoadTable(*directory, *entry, table);
-  }
-  if (!for_write) directory->CloseDBdatei();
+  if (!create && !for_write) directory->CloseDBdatei();
   return 1;
 }
 
 int ManagerAccess::LoadTable(DBDirectory& directory, DBDirEntry& entry,
                              DBTabelle*& table) {
   auto* const opened = OpenedTables::Current(entry);
-  if (opened != nullptr && AllPartsLoaded(entry)) {
+  if (opened != nullptr && tabwerk::AllPartsLoaded(entry)) {
     table = opened;
     table->SelectZeile(0L);
     return 1;

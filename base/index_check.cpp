@@ -74,12 +74,23 @@ bool CheckTable(MemorySource* source, std::optional<int> row_count) {
 
 }  // namespace
 
+bool KnowsStampsBut(std::span<std::byte const> content,
+                    std::vector<long long> const& stamps,
+                    std::size_t position) {
+  MemorySource source(content);
+  for (std::size_t i = 0; i < stamps.size(); ++i) {
+    auto const stamp = Next<std::int64_t>(&source);
+    if (i != position && stamp != stamps[i]) return false;
+  }
+  return true;
+}
+
 IndexContent CheckIndex(std::span<std::byte const> content,
                         DBDirectory const& directory,
                         std::vector<DBTabelle*> const& tables) {
   MemorySource source(content);
   bool same = true;
-  for (auto const expected : directory.GetTimeStamps()) {
+  for (auto const expected : TimeStamps(directory)) {
     auto const stamp = Next<std::int64_t>(&source);
     if (!stamp) return IndexContent::kUnusable;
     same = same && *stamp == expected;

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "base/file_lock.h"
 #include "base/opened_tables.h"
 #include "platform/platform.h"
 #include "schema/directory_access.h"
@@ -14,8 +15,10 @@ zWString IndexPath(DBDirectory const& directory) {
   auto const user_file = directory.GetUserFile();
   if (user_file <= 0) return {};
   zSplitPath const path(
-      directory.GetFileiName(static_cast<std::size_t>(user_file)));
-  return path.GetDrive() + path.GetDirectory() + directory.GetName() +
+      DirectoryAccess::Files(directory)[static_cast<std::size_t>(user_file)]
+          .name);
+  return path.GetDrive() + path.GetDirectory() +
+         DirectoryAccess::Name(directory) +
          zWString::fromLatin1(format::kIndexFileExtension);
 }
 
@@ -29,14 +32,19 @@ bool LoadedTables(DBDirectory const& directory,
   for (auto* entry = directory.GetEntries(); entry != nullptr;
        entry = entry->GetNext()) {
     auto* const table = OpenedTables::Current(*entry);
-    bool loaded = table != nullptr && entry->GetNumberOfParts() > 0;
-    for (auto const& part : DirectoryAccess::Parts(*entry)) {
-      loaded = loaded && part->loaded;
-    }
+    bool const loaded = table != nullptr && AllPartsLoaded(*entry);
     if (loaded) tables->push_back(table);
     all = all && loaded;
   }
   return all;
+}
+
+std::vector<long long> TimeStamps(DBDirectory const& directory) {
+  std::vector<long long> stamps;
+  for (auto const& file : DirectoryAccess::Files(directory)) {
+    stamps.push_back(file.time_stamp);
+  }
+  return stamps;
 }
 
 std::size_t StampBytes(DBDirectory const& directory) {
@@ -47,21 +55,6 @@ namespace {
 
 // Far more than any index has; a larger file is none.
 constexpr std::int64_t kLargestIndex = std::int64_t{1} << 32U;
-
-// Another program holds an index only while it reads or moves it.
-constexpr int kPauseMilliseconds = 20;
-constexpr int kTries = 100;
-
-FILE* OpenPatiently(zWString const& path, platform::Error* error) {
-  for (int i = 1;; ++i) {
-    auto* const stream = platform::OpenFile(path, platform::Mode::kRead,
-                                            platform::Share::kDenyAll, error);
-    if (stream != nullptr || *error != platform::Error::kHeld || i == kTries) {
-      return stream;
-    }
-    platform::Pause(kPauseMilliseconds);
-  }
-}
 
 std::optional<platform::Block> ReadWhole(FILE* stream) {
   platform::Block content;
@@ -82,7 +75,8 @@ std::optional<platform::Block> ReadWhole(FILE* stream) {
 std::optional<platform::Block> ReadIndexBytes(zWString const& path,
                                               bool* missing) {
   auto error = platform::Error::kNone;
-  auto* const stream = OpenPatiently(path, &error);
+  // Another program holds an index only while it reads or moves it.
+  auto* const stream = OpenPatiently(path, platform::Mode::kRead, &error);
   // Asked twice, because an index that counts as missing is written anew.
   *missing = stream == nullptr && error == platform::Error::kNotFound &&
              !platform::Exists(path);
@@ -93,12 +87,10 @@ std::optional<platform::Block> ReadIndexBytes(zWString const& path,
   return content;
 }
 
-void BuildIndices(std::vector<DBTabelle*> const& tables) {
-  for (auto* table : tables) {
-    table->MakeIndexID();
-    table->MakeIndexFolge();
-    table->MakeIndexStatus();
-  }
+void BuildIndices(DBTabelle& table) {
+  table.MakeIndexID();
+  table.MakeIndexFolge();
+  table.MakeIndexStatus();
 }
 
 namespace {
@@ -134,19 +126,18 @@ bool WriteIndex(zWString const& path, std::vector<long long> const& time_stamps,
   auto size = time_stamps.size() * sizeof(std::int64_t);
   bool ok = true;
   for (auto* table : tables) {
-    BuildIndices({table});
-    ok = ok && IndicesAreWhole(*table);
-    size += SectionBytes(*table);
+    BuildIndices(*table);
     table->WriteIndexID(stream);
     table->WriteIndexFolge(stream);
     table->WriteIndexStatus(stream);
+    ok = ok && IndicesAreWhole(*table);
+    size += SectionBytes(*table);
   }
   ok = ok && platform::Sync(stream) && !platform::Failed(stream) &&
        platform::FileSize(stream) == static_cast<std::int64_t>(size);
   ok = platform::Close(stream) && ok;
-  // The result of the deletion is not examined: what is left is overwritten by
-  // the next attempt.
-  if (!ok) (void)platform::Delete(path);
+  // What cannot be deleted is overwritten by the next attempt.
+  if (!ok) DeleteLeftover(path);
   return ok;
 }
 

@@ -22,6 +22,10 @@ enum class IndexContent : std::uint8_t {
   kUnusable,  // not an index of this database: counts as missing
 };
 
+// Time stamps of all files.  This and the functions below throw std::bad_alloc
+// where an exported function would answer with less.
+std::vector<long long> TimeStamps(DBDirectory const& directory);
+
 // Path of a database's index file: the user file's folder, the database's
 // name, ".idx".  Empty when the database has no user file; a user file in the
 // first position does not count.
@@ -48,11 +52,16 @@ IndexContent CheckIndex(std::span<std::byte const> content,
                         DBDirectory const& directory,
                         std::vector<DBTabelle*> const& tables);
 
+// True when the content has these time stamps, but for the one at that
+// position.
+bool KnowsStampsBut(std::span<std::byte const> content,
+                    std::vector<long long> const& stamps, std::size_t position);
+
 // Number of bytes of the time stamps, which the sections follow.
 std::size_t StampBytes(DBDirectory const& directory);
 
-// Rebuilds the tables' indices from their rows.
-void BuildIndices(std::vector<DBTabelle*> const& tables);
+// Rebuilds a table's indices from its rows.
+void BuildIndices(DBTabelle& table);
 
 // Writes an index file with these time stamps and, in this order, the indices
 // of these tables, rebuilt from their rows.  The file is complete and on the

@@ -1,5 +1,7 @@
 #include "base/opened_tables.h"
 
+#include <algorithm>
+
 #include "schema/directory_access.h"
 
 namespace tabwerk {
@@ -20,6 +22,13 @@ DBTabelle* OpenedTables::Record(DBDirEntry& entry,
   auto& tables = static_cast<OpenedTables&>(*companion).tables_;
   tables.push_back(std::move(table));
   return tables.back().get();
+}
+
+bool AllPartsLoaded(DBDirEntry& entry) {
+  auto const& parts = DirectoryAccess::Parts(entry);
+  return !parts.empty() &&
+         std::all_of(parts.begin(), parts.end(),
+                     [](auto const& part) { return part->loaded; });
 }
 
 }  // namespace tabwerk

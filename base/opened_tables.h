@@ -24,6 +24,9 @@ class OpenedTables : public EntryCompanion {
   std::vector<std::unique_ptr<DBTabelle>> tables_;  // the last one is current
 };
 
+// True when the entry has parts and all of them are in memory.
+bool AllPartsLoaded(DBDirEntry& entry);
+
 }  // namespace tabwerk
 
 #endif  // TABWERK_BASE_OPENED_TABLES_H

@@ -5,7 +5,10 @@
 #include <memory>
 #include <utility>
 
+#include "base/file_lock.h"
 #include "base/index_file.h"
+#include "base/manager_access.h"
+#include "base/opened_tables.h"
 #include "platform/block.h"
 #include "platform/guarded.h"
 #include "platform/platform.h"
@@ -50,28 +53,25 @@ std::int64_t Append(FILE* from, FILE* to) {
   return platform::Failed(from) ? -1 : total;
 }
 
-// For files that are in nobody's way: what cannot be deleted stays.
-void DeleteLeftover(zWString const& path) noexcept {
-  if (path.isEmpty()) return;
-  (void)Guarded(platform::Error::kInputOutput,
-                [&] { return platform::Delete(path); });
-}
-
-bool SyncPath(zWString const& path) {
-  auto error = platform::Error::kNone;
-  auto* const stream = platform::OpenFile(path, platform::Mode::kUpdate,
-                                          platform::Share::kDenyAll, &error);
-  if (stream == nullptr) return false;
-  bool const synced = platform::Sync(stream);
-  return platform::Close(stream) && synced;
+std::optional<std::size_t> PositionOf(zWString const& path,
+                                      DBDirectory const& directory) {
+  auto const& files = DirectoryAccess::Files(directory);
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (files[i].name == path || platform::SameFile(files[i].name, path)) {
+      return i;
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace
 
 Save::Save(DBDirectory& directory, std::size_t file, zWString target)
     : directory_(directory),
+      current_table_(directory.GetAktuelleTabelle()),
       file_(file),
       target_(std::move(target)),
+      position_(PositionOf(target_, directory)),
       index_(IndexPath(directory)) {}
 
 Save::~Save() {
@@ -86,7 +86,8 @@ Save::~Save() {
 }
 
 bool Save::Run() {
-  if (!LoadedTables(directory_, &tables_) || !PrepareParts()) return false;
+  if (!LoadTables() || !MayForgetUnreadIndex()) return false;
+  if (!TakeLocks() || !PrepareParts()) return false;
   if (!WriteTables() || !WriteDatabaseFile()) return false;
   if (!PrepareIndex() || !PrepareTrialCopy()) return false;
   if (!ReplaceTarget()) return false;
@@ -94,6 +95,31 @@ bool Save::Run() {
   DeleteLeftover(container_.path);
   DeleteLeftover(data_.path);
   return true;
+}
+
+// Tables that are not in memory yet are read; one that cannot be forbids the
+// save, because what the file has of it would be lost.
+bool Save::LoadTables() {
+  for (auto* entry = directory_.GetEntries(); entry != nullptr;
+       entry = entry->GetNext()) {
+    auto* table = OpenedTables::Current(*entry);
+    if (table == nullptr || !AllPartsLoaded(*entry)) {
+      DirectoryAccess::SetCurrentTable(directory_, entry);
+      if (ManagerAccess::LoadTable(directory_, *entry, table) == 0) {
+        return false;
+      }
+    }
+    tables_.push_back(table);
+  }
+  return true;
+}
+
+bool Save::TakeLocks() {
+  target_lock_.emplace(target_ + zWString(u"L"));
+  if (!target_lock_->IsHeld()) return false;
+  if (index_.isEmpty()) return true;
+  index_lock_.emplace(index_ + zWString(u"L"));
+  return index_lock_->IsHeld();
 }
 
 // Gives every table a part for the file and remembers what was there before.
@@ -118,6 +144,8 @@ bool Save::WriteTables() {
   std::size_t position = 0;
   for (auto* entry = directory_.GetEntries(); entry != nullptr;
        entry = entry->GetNext()) {
+    // A table whose rows cannot be written ends the save: going on without it
+    // would lose them.
     if (!WriteTable(*tables_[position], *entry, &end)) return false;
     ++position;
   }
@@ -150,8 +178,7 @@ bool Save::WriteTable(DBTabelle& table, DBDirEntry& entry, std::int64_t* end) {
 }
 
 bool Save::WriteDatabaseFile() {
-  time_stamp_ = std::max(DirectoryAccess::NextTimeStamp(directory_, file_),
-                         LastTimeStamp() + 1);
+  time_stamp_ = NewTimeStamp();
   if (!OpenTemp("dir", &container_.path, &container_.stream)) return false;
   if (!DirectoryAccess::WriteContainer(directory_, container_.stream, file_,
                                        time_stamp_)) {
@@ -171,103 +198,8 @@ bool Save::WriteDatabaseFile() {
   return CloseStream(container_.stream);
 }
 
-// The stamp that the target carries now, so that the new one differs even when
-// the file was not read by this directory.
-std::int64_t Save::LastTimeStamp() const {
-  auto* stream = directory_.GetFile(file_);
-  auto error = platform::Error::kNone;
-  FILE* opened = nullptr;
-  if (stream == nullptr || !(directory_.GetFileiName(file_) == target_)) {
-    stream = opened = platform::OpenFile(target_, platform::Mode::kRead,
-                                         platform::Share::kDenyNone, &error);
-  }
-  short version = 0;
-  long long stamp = 0;
-  if (stream != nullptr) {
-    (void)DBDirectory::ReadFileVersion(stream, version, stamp);
-  }
-  if (opened != nullptr) (void)platform::Close(opened);
-  constexpr auto kEndOfTime = std::numeric_limits<std::int64_t>::max();
-  return stamp == kEndOfTime ? 0 : stamp;
-}
-
-// An index that was not read is carried over at the next opening: what is in
-// memory does not know the user's order.  And an index is valid for files that
-// have not changed, so a copy of the data under another name must not leave one
-// that counts rows they do not have.
-bool Save::MayReplaceIndex() const {
-  if (DirectoryAccess::IndexUnread(directory_)) return false;
-  if (directory_.GetFileiName(file_) == target_) return true;
-  for (auto* entry = directory_.GetEntries(); entry != nullptr;
-       entry = entry->GetNext()) {
-    for (auto const& part : DirectoryAccess::Parts(*entry)) {
-      if (part->row_count != part->file_rows) return false;
-    }
-  }
-  return true;
-}
-
-bool Save::PrepareIndex() {
-  if (index_.isEmpty() || !MayReplaceIndex()) return true;
-  // Built from copies: the tables keep their indices and their selection.
-  std::vector<DBTabelle> copies;
-  copies.reserve(tables_.size());
-  for (auto* table : tables_) copies.emplace_back(*table);
-  std::vector<DBTabelle*> order;
-  for (auto& copy : copies) order.push_back(&copy);
-  // Reading a first file reverses the order of its tables.
-  bool const is_first_file = directory_.GetFileiName(0) == target_;
-  if (is_first_file) std::reverse(order.begin(), order.end());
-  auto const stamps = directory_.GetTimeStamps();
-  auto const pending = PendingIndexPath(index_, time_stamp_);
-  for (auto const stamp : stamps) {
-    auto const outdated = PendingIndexPath(index_, stamp);
-    // Another file may carry the second that this one is about to get.
-    if (outdated != pending) outdated_indices_.push_back(outdated);
-  }
-  if (!WriteIndex(pending, stamps, order)) return false;
-  pending_index_ = pending;
-  return platform::SyncFolderOf(pending_index_);
-}
-
-bool Save::PrepareTrialCopy() {
-  trial_copy_ = target_ + zWString(u"T");
-  // Not examined: Copy fails when what is left of an older save stays.
-  (void)platform::Delete(trial_copy_);
-  return platform::Copy(container_.path, trial_copy_) ==
-             platform::Error::kNone &&
-         platform::ClearReadOnly(trial_copy_) && SyncPath(trial_copy_);
-}
-
-bool Save::ReplaceTarget() {
-  std::vector<std::size_t> open_files;
-  for (std::size_t i = 0; i < directory_.GetNumberFiles(); ++i) {
-    if (directory_.GetFile(i) != nullptr) open_files.push_back(i);
-  }
-  directory_.CloseDBdatei();
-  auto const error = Guarded(platform::Error::kInputOutput, [&] {
-    return platform::Replace(trial_copy_, target_);
-  });
-  replaced_ = error == platform::Error::kNone;
-  if (replaced_) return true;
-  for (auto const file : open_files) {
-    // Not examined: without its stream a file stays readable in memory.
-    (void)DirectoryAccess::ReopenStream(directory_, file);
-  }
-  return false;
-}
-
-void Save::FinishIndex() noexcept {
-  if (pending_index_.isEmpty()) return;
-  // Not examined: an index that did not move is found by its time stamp when
-  // the database is opened next.
-  (void)Guarded(platform::Error::kInputOutput,
-                [&] { return platform::Replace(pending_index_, index_); });
-  // Those that earlier saves could not move, either.
-  for (auto const& outdated : outdated_indices_) DeleteLeftover(outdated);
-}
-
 void Save::RestoreEntries() noexcept {
+  DirectoryAccess::SetCurrentTable(directory_, current_table_);
   auto state = entries_.begin();
   for (auto* entry = directory_.GetEntries();
        entry != nullptr && state != entries_.end(); entry = entry->GetNext()) {

@@ -5,10 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <vector>
 
 #include "DBDirectory.h"
 #include "DBTabelle.h"
+#include "base/file_lock.h"
 #include "ztypes.h"
 
 namespace tabwerk {
@@ -24,7 +26,9 @@ namespace tabwerk {
 //   5. the trial copy moves onto the target
 //   6. the new index moves onto the old one
 //
-// A save is used once.  The two temporary files stay when it fails.
+// While it lasts, two empty lock files ("…L" beside target and index) keep
+// other programs from saving the same file.  A save is used once.  The two
+// temporary files stay when it fails.
 class Save {
  public:
   // The data are those of file `file`; both arguments are borrowed.
@@ -51,10 +55,13 @@ class Save {
     std::int32_t string_block_size;
   };
 
+  bool LoadTables();
+  bool TakeLocks();
   bool PrepareParts();
   bool WriteTables();
   bool WriteTable(DBTabelle& table, DBDirEntry& entry, std::int64_t* end);
   bool WriteDatabaseFile();
+  bool MayForgetUnreadIndex() const;
   bool MayReplaceIndex() const;
   bool PrepareIndex();
   bool PrepareTrialCopy();
@@ -62,15 +69,23 @@ class Save {
   void FinishIndex() noexcept;
   void RestoreEntries() noexcept;
   std::int64_t LastTimeStamp() const;
+  std::int64_t NewTimeStamp() const;
 
   DBDirectory& directory_;
+  DBDirEntry* current_table_;  // as before the save
   std::size_t file_;
   zWString target_;
+  // Which of the database's files the target is, however it is spelt.
+  std::optional<std::size_t> position_;
   zWString trial_copy_;  // empty until it is begun
   zWString index_;
   zWString pending_index_;
-  std::vector<zWString> outdated_indices_;  // pending ones of earlier saves
+  // Indices of earlier saves that could not be moved to their place.
+  std::vector<zWString> unreachable_indices_;  // for the target's last stamp
+  std::vector<zWString> older_indices_;        // for other files' stamps
   std::int64_t time_stamp_ = 0;
+  std::optional<FileLock> target_lock_;
+  std::optional<FileLock> index_lock_;
   std::vector<DBTabelle*> tables_;
   std::vector<EntryState> entries_;
   TempFile data_;

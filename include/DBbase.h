@@ -34,7 +34,8 @@ class TABWERK_API DBbase {
   // A manager whose current database is directory, which stays the caller's.
   explicit DBbase(DBDirectory* directory);
   // Copies share the databases with their source; what is shared is released
-  // once, at the latest with the last of them.
+  // once, at the latest with the last of them.  They throw std::bad_alloc, and
+  // change nothing, when memory is exhausted.
   DBbase(DBbase const& other);
   DBbase& operator=(DBbase const& other);
   virtual ~DBbase();
@@ -44,7 +45,7 @@ class TABWERK_API DBbase {
   // Replaces the instance by one that has a closed database for every name,
   // made up of the files at the same position.  The last database is current.
   // Names are to be in upper case and without "."; a missing name is empty.
-  // Always true.
+  // Always true; false, with nothing changed, when memory is exhausted.
   static bool Init(std::vector<zWString> const& names,
                    std::vector<std::vector<zWString>> const& files);
   // Puts a database in front of target's catalogue for every name that its
@@ -111,7 +112,8 @@ class TABWERK_API DBbase {
 
   // Rebuilds the indices of a database (null: the current one) and writes its
   // index file.  2 when it was written; 0 when it was not: without a user file,
-  // with a table that could not be loaded, when another program has replaced a
+  // with a table that could not be loaded, when the old index could not be read
+  // (it may hold the user's order), when another program has replaced a
   // database file since it was read, or when the file cannot be written; the
   // indices are then as they were or rebuilt.
   int WriteIndexToFile(DBDirectory* directory) const;

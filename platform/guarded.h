@@ -9,8 +9,10 @@
 namespace tabwerk {
 
 // Runs work and returns what it returns; failure when memory is exhausted.
-// Other exceptions pass.  Every exported operation that allocates goes through
-// here, so that no std::bad_alloc reaches the host.
+// Other exceptions pass.  Every exported operation that allocates and has a
+// failure result goes through here, so that no std::bad_alloc reaches the host.
+// Constructors, copies and the string classes have none: what they let out
+// stands in their headers.
 template <typename Result, typename Work>
 Result Guarded(Result failure, Work&& work) {
   try {

@@ -264,6 +264,17 @@ bool WriteText(FILE* stream, std::u16string_view text) {
 
 void Pause(int milliseconds) { Nap(milliseconds); }
 
+bool SameFile(zWString const& one, zWString const& other) {
+  std::optional<std::string> const first = NativePath(one);
+  std::optional<std::string> const second = NativePath(other);
+  struct stat of_first = {};
+  struct stat of_second = {};
+  return first && second && stat(first->c_str(), &of_first) == 0 &&
+         stat(second->c_str(), &of_second) == 0 &&
+         of_first.st_dev == of_second.st_dev &&
+         of_first.st_ino == of_second.st_ino;
+}
+
 }  // namespace tabwerk::platform::os
 
 #endif  // !_WIN32

@@ -242,6 +242,33 @@ zWString MakeTempFile(zWString const& folder, char const* prefix) {
   return zWString(path.data());
 }
 
+namespace {
+
+// What the system knows of a file; false where there is none.
+bool Identify(zWString const& path, BY_HANDLE_FILE_INFORMATION* identity) {
+  HANDLE const handle =
+      CreateFileW(NativePath(path).c_str(), 0,
+                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    return false;
+  }
+  bool const known = GetFileInformationByHandle(handle, identity) != 0;
+  CloseHandle(handle);
+  return known;
+}
+
+}  // namespace
+
+bool SameFile(zWString const& one, zWString const& other) {
+  BY_HANDLE_FILE_INFORMATION first;
+  BY_HANDLE_FILE_INFORMATION second;
+  return Identify(one, &first) && Identify(other, &second) &&
+         first.dwVolumeSerialNumber == second.dwVolumeSerialNumber &&
+         first.nFileIndexHigh == second.nFileIndexHigh &&
+         first.nFileIndexLow == second.nFileIndexLow;
+}
+
 }  // namespace tabwerk::platform::os
 
 #endif  // _WIN32

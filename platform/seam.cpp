@@ -42,6 +42,10 @@ bool Close(FILE* stream) { return os::Close(stream); }
 
 bool Exists(zWString const& path) { return os::Exists(path); }
 
+bool SameFile(zWString const& one, zWString const& other) {
+  return os::SameFile(one, other);
+}
+
 Error Copy(zWString const& from, zWString const& to) {
   return os::Copy(from, to);
 }

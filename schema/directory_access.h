@@ -28,6 +28,12 @@ struct DirectoryAccess {
   static std::vector<FileRecord>& Files(DBDirectory& directory) {
     return directory.files_;
   }
+  static std::vector<FileRecord> const& Files(DBDirectory const& directory) {
+    return directory.files_;
+  }
+  static zWString const& Name(DBDirectory const& directory) {
+    return directory.name_;
+  }
   // Set while the index file could not be read: what the user has in it is not
   // in memory, so nothing may be written over it.
   static bool& IndexUnread(DBDirectory& directory) {
@@ -53,7 +59,7 @@ struct DirectoryAccess {
   static bool WriteContainer(DBDirectory& directory, FILE* stream,
                              std::size_t file, std::int64_t time_stamp);
   // The time stamp that WriteToFile would write now: the current second, but
-  // more than the file's last one.
+  // more than the file's last one and that of the file that was emptied for it.
   static std::int64_t NextTimeStamp(DBDirectory const& directory,
                                     std::size_t file);
 

@@ -4,6 +4,7 @@
 // their own order and status are in the user file.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "tests/end_to_end/story.h"
@@ -125,7 +126,8 @@ TEST_F(IndexLoss, ThatCannotBeReadOnceIsThereAtTheNextStart) {
                   platform::Error::kAccessDenied);
     Start();
     EXPECT_TRUE(faults.Fired());
-    EXPECT_EQ("OpenFile STOCK.idx", faults.Trace().back());
+    auto const& trace = faults.Trace();
+    EXPECT_EQ(1, std::count(trace.begin(), trace.end(), "OpenFile STOCK.idx"));
   }
   EXPECT_EQ(kRowsOfTheFiles, Rows("ARTIKEL"));
   EXPECT_EQ(1, Table("ARTIKEL")->SelectZeile("ID", 20000L));
@@ -144,32 +146,29 @@ TEST_F(IndexLoss, AFolderInItsPlaceLeavesTheIndicesInMemory) {
   EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
 }
 
-// The new index waits beside its place until it can be moved there.
+// What stands in its place may be the user's order: a save leaves it alone, and
+// what it does not know of shipped rows is not written elsewhere.
 TEST_F(IndexLoss, ASaveWhileAFolderIsInItsPlaceIsWhole) {
   BlockWithFolder("STOCK.idx");
   Start();
-  EXPECT_TRUE(SetById(3, "STATUS", 1));
-  EXPECT_TRUE(SetById(3, "FOLGE", 0));
+  EXPECT_TRUE(Append(L"Emil"));
   SaveAndRestart();
-  EXPECT_EQ("[0][0][1][0]", Column(Table("ARTIKEL"), "STATUS"));
-  End();
-  Unblock("STOCK.idx");
-  Start();
-  EXPECT_EQ("[0][0][1][0]", Column(Table("ARTIKEL"), "STATUS"));
+  EXPECT_EQ("[20000|1|0|Dora][20001|5|0|Emil]", OnDisk("USER.UDB"));
   EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
 }
 
 TEST_F(IndexLoss, OnlyTheLastOfSeveralWaitingIndicesStays) {
-  BlockWithFolder("STOCK.idx");
   Start();
   EXPECT_TRUE(SetById(3, "STATUS", 1));
-  EXPECT_TRUE(Save());
-  EXPECT_TRUE(Append(L"Emil"));
-  EXPECT_TRUE(Save());
+  for (auto const* name : {L"Emil", L"Fritz"}) {
+    EXPECT_TRUE(Append(name));
+    FaultGuard faults;
+    faults.FailAt(2, Lasting::kForGood, Only(Call::kReplace));
+    EXPECT_TRUE(Save());
+  }
   End();
-  Unblock("STOCK.idx");
   Start();
-  EXPECT_EQ("[0][0][1][0][0]", Column(Table("ARTIKEL"), "STATUS"));
+  EXPECT_EQ("[0][1][1][0][0][0]", Column(Table("ARTIKEL"), "STATUS"));
   EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
 }
 

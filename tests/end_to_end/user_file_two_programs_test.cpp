@@ -179,6 +179,7 @@ TEST_F(TwoPrograms, KilledBehindTheMoveItLeavesTheNewFileWithItsIndex) {
   EXPECT_EQ("[Anna][Bert][Carl][Dora][Emil]", Column(Table("ARTIKEL"), "NAME"));
   EXPECT_EQ("[0][1][0][0][0]", Column(Table("ARTIKEL"), "STATUS"));
   EXPECT_EQ("Anna Carl Dora Emil", InOrder());
+  EXPECT_TRUE(Save());
   EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
 }
 

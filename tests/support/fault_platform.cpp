@@ -229,6 +229,10 @@ bool Exists(zWString const& path) {
   return !MustFail(Call::kExists) && os::Exists(path);
 }
 
+bool SameFile(zWString const& one, zWString const& other) {
+  return os::SameFile(one, other);
+}
+
 Error Copy(zWString const& from, zWString const& to) {
   test::Note("Copy", test::NameOf(from) + " > " + test::NameOf(to));
   return MustFail(Call::kCopy) ? TheState().plan.error : os::Copy(from, to);
