@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "base/manager_access.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
@@ -115,7 +117,7 @@ TEST_F(ManagerOpen, ReplacingKeepsTheContentAndKeepsOthersOut) {
   EXPECT_EQ(1,
             ManagerAccess::OpenForReplacement(*Manager(), W("STOCK"), &made));
   EXPECT_FALSE(made);
-  EXPECT_NE(0U, Bytes("MAIN.db").size());
+  EXPECT_NE(0U, std::filesystem::file_size(Path("MAIN.db")));
   DBDirectory other;
   other.Initialize(W("X"), {W(Path("MAIN.db"))});
   EXPECT_FALSE(other.OpenDBdatei(0, false, false));

@@ -171,6 +171,7 @@ TEST_F(ManagerWrite, ReopensEveryDatabaseForWriting) {
 }
 
 TEST_F(ManagerWrite, TableThatCannotBeLoadedForbidsTheSave) {
+  DBbase::Init({}, {});  // closes the files
   auto bytes = Bytes("MAIN.db");
   bytes.resize(bytes.size() - 4);
   WriteFileBytes(Path("MAIN.db"), bytes);
@@ -180,6 +181,7 @@ TEST_F(ManagerWrite, TableThatCannotBeLoadedForbidsTheSave) {
 }
 
 TEST_F(ManagerWrite, FileGetsAPartOfEveryTable) {
+  DBbase::Init({}, {});  // closes the files
   MakeFile("MAIN.db", {PlainHeader::kCurrent,
                        1000,
                        {{"ARTIKEL", kArticles, {"1|1|0|Anna"}},
@@ -193,6 +195,7 @@ TEST_F(ManagerWrite, FileGetsAPartOfEveryTable) {
 
 // Kept: reading a first file reverses the order of its tables.
 TEST_F(ManagerWrite, FirstFileListsItsTablesInOppositeOrder) {
+  DBbase::Init({}, {});  // closes the files
   MakeFile("MAIN.db",
            {PlainHeader::kCurrent,
             1000,
@@ -221,6 +224,7 @@ TEST_F(ManagerWrite, TimeStampIsTheCurrentSecond) {
 }
 
 TEST_F(ManagerWrite, TimeStampAlwaysGrows) {
+  DBbase::Init({}, {});  // closes the files
   MakeArticles("USER.UDB", 4000000000, {"20000|3|0|Carl"});
   OpenStock();
   EXPECT_TRUE(WriteUserFile());
@@ -257,6 +261,7 @@ class WriteFaults : public ManagerWrite {
 
   // One save with the n-th call failing; false when no call failed.
   bool SaveWithFault(std::int64_t n, Lasting lasting) {
+    DBbase::Init({}, {});  // closes the files
     MakeArticles("MAIN.db", 1000, {"1|1|0|Anna", "2|2|0|Bert"});
     MakeArticles("USER.UDB", 2000, {"20000|3|0|Carl"});
     fs::remove(Path("STOCK.idx"));

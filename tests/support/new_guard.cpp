@@ -6,10 +6,12 @@
 namespace {
 
 bool armed = false;
+bool once = false;
 int calls_left = 0;  // until the first failing one; 0: it fails
 
 void* Obtain(std::size_t size) noexcept {
   if (armed && (calls_left == 0 || --calls_left == 0)) {
+    if (once) armed = false;
     return nullptr;
   }
   return std::malloc(size == 0 ? 1 : size);
@@ -43,8 +45,9 @@ void operator delete[](void* block, std::nothrow_t const&) noexcept {
 
 namespace tabwerk::test {
 
-NewGuard::NewGuard(int n) {
+NewGuard::NewGuard(int n, Lasting lasting) {
   calls_left = n;
+  once = lasting == Lasting::kOnce;
   armed = true;
 }
 

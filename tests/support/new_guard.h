@@ -4,15 +4,17 @@
 
 namespace tabwerk::test {
 
-// While it lives, every call of operator new from the n-th (from 1) on fails
-// (std::bad_alloc, or null for the form that does not throw).  One at a time;
-// keep GoogleTest's own assertions out of its life.
+// While it lives, every call of operator new from the n-th (from 1) on, or the
+// n-th alone, fails (std::bad_alloc, or null for the form that does not throw).
+// One at a time; keep GoogleTest's own assertions out of its life.
 //
 // A sweep over all allocations ends with the first n at which Fired() stays
 // false.
 class NewGuard {
  public:
-  explicit NewGuard(int n);
+  enum class Lasting : bool { kOnce, kForGood };
+
+  explicit NewGuard(int n, Lasting lasting = Lasting::kForGood);
   ~NewGuard();
   NewGuard(NewGuard const&) = delete;
   NewGuard& operator=(NewGuard const&) = delete;

@@ -153,6 +153,13 @@ std::vector<std::string> Cells(std::string const& row, std::size_t count) {
 
 // --- One table's blocks ----------------------------------------------------
 
+// Not by the C library: that of Windows does not read "nan".
+double RealOf(std::string const& text) {
+  double value = 0;
+  std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
 struct Blocks {
   Bytes texts;
   Bytes rows;
@@ -168,7 +175,7 @@ Blocks EncodeBlocks(PlainTable const& table) {
         Put(&blocks.rows,
             static_cast<std::int32_t>(std::atoi(cells[i].c_str())));
       } else if (types[i] == 'r') {
-        Put(&blocks.rows, std::atof(cells[i].c_str()));
+        Put(&blocks.rows, RealOf(cells[i]));
       } else {
         Put(&blocks.rows, static_cast<std::int32_t>(blocks.texts.size() / 2));
         for (auto const unit : ToUnits(cells[i])) Put(&blocks.texts, unit);
@@ -417,6 +424,8 @@ void WriteFileBytes(std::string const& path, Bytes const& bytes) {
   std::ofstream stream(std::filesystem::path(path), std::ios::binary);
   stream.write(reinterpret_cast<char const*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
+  stream.close();
+  EXPECT_TRUE(stream.good()) << path << " could not be written";
 }
 
 PlainDatabase ReadDatabase(std::string const& path) {

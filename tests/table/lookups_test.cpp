@@ -1,6 +1,10 @@
 // What a table remembers of its rows is exactly what a pass over them gives.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstdio>
+#include <iterator>
+#include <map>
 #include <random>
 #include <string>
 
@@ -13,6 +17,9 @@ namespace {
 
 constexpr char kDefinition[] =
     "integer ID,integer STATUS,string NAME,real PRICE,string NOTE\n";
+// Offsets of the string columns.
+constexpr int kName = 8;
+constexpr int kNote = 20;
 
 class Lookups : public testing::Test {
  protected:
@@ -59,6 +66,40 @@ std::wstring RandomText(std::mt19937* random) {
   return kTexts[(*random)() % std::size(kTexts)];
 }
 
+// Writes a whole row, a new one or one of those that are there.
+void WriteRow(DBTabelle* table, std::mt19937* random) {
+  static constexpr DBTabelle::Action kActions[] = {DBTabelle::ActionInsert,
+                                                   DBTabelle::ActionUpdate,
+                                                   DBTabelle::ActionAppend};
+  std::map<std::string, std::wstring> values{
+      {"ID", std::to_wstring((*random)() % 6)},
+      {"STATUS", std::to_wstring((*random)() % 3)},
+      {"NAME", RandomText(random)},
+      {"NOTE", RandomText(random)}};
+  table->SetZeileWerte(values, kActions[(*random)() % std::size(kActions)]);
+}
+
+// Lets a value name the text of another one, as files may, or one that begins
+// inside a text or at the end of the store.
+void ShareText(TestTable* made, std::mt19937* random) {
+  auto& part = made->Part(0);
+  auto const record =
+      static_cast<std::int32_t>(made->entry->GetDefinition()->GetMemorySize());
+  auto const row = static_cast<std::int32_t>(
+      (*random)() % static_cast<unsigned>(part.Rows()));
+  int const column = (*random)() % 2 == 0 ? kName : kNote;
+  auto const index = (*random)() % (part.strings->count() + 1);
+  StoreValue(part.Row(row, record) + column, static_cast<std::int32_t>(index));
+  ++part.revision;
+}
+
+// Leaves the parts' own rows and fields on the last one.
+void DumpAway(DBTabelle* table, std::mt19937* random) {
+  static FILE* const stream = std::tmpfile();
+  std::wstring separator(L";");
+  table->Dump(stream, separator.data(), (*random)() % 2 == 0);
+}
+
 // One random change of any kind.
 void Change(TestTable* made, DBTabelle* other, std::mt19937* random) {
   auto& table = (*random)() % 16 == 0 ? *other : made->table;
@@ -67,7 +108,19 @@ void Change(TestTable* made, DBTabelle* other, std::mt19937* random) {
                                              "PRICE", "NOTE",   "NONE"};
   table.SelectColumn(kColumns[(*random)() % std::size(kColumns)]);
   table.SelectZeile(static_cast<long>((*random)() % (rows + 1)));
-  switch ((*random)() % 8) {
+  switch ((*random)() % 12) {
+    case 8:
+      WriteRow(&table, random);
+      break;
+    case 9:
+      if ((*random)() % 4 == 0) ShareText(made, random);
+      break;
+    case 10:
+      DumpAway(&table, random);
+      if (table.GetType() == DBTypeString) {
+        table.SetWert(RandomText(random).c_str());
+      }
+      break;
     case 0:
       table.NeueZeile((*random)() % 4 != 0);
       break;

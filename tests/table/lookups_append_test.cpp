@@ -1,0 +1,119 @@
+// Appending rows to large tables whose texts are unique by a search.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "schema/bytes.h"
+#include "table/table_access.h"
+#include "tests/support/table_builder.h"
+
+namespace tabwerk::test {
+namespace {
+
+constexpr char kDefinition[] =
+    "integer ID,integer FOLGE,integer STATUS,string NAME,string BEZ_DIN,"
+    "string NOTE\n";
+// Offsets of the string columns.
+constexpr int kName = 12;
+constexpr int kNote = 20;
+
+class LookupsAppend : public testing::Test {
+ protected:
+  LookupsAppend() : t_(kDefinition, 2) {}
+
+  void Fill(int rows) {
+    for (int i = 1; i <= rows; ++i) {
+      auto const number = std::to_string(i);
+      t_.AddRow(0, number + "|" + number + "|0|N" + number + "|B" + number);
+    }
+    t_.table.MakeIndexID();
+    t_.table.MakeIndexFolge();
+    t_.table.MakeIndexStatus();
+  }
+  bool Append(int number) {
+    auto const text = std::to_wstring(number);
+    std::map<std::string, std::wstring> values{{"NAME", L"M" + text},
+                                               {"BEZ_DIN", L"C" + text}};
+    return t_.table.SetZeileWerte(values, DBTabelle::ActionAppend);
+  }
+  // Seconds that so many appended rows take; each has a NAME and a BEZ_DIN.
+  double AppendAll(int rows) {
+    auto const start = std::chrono::steady_clock::now();
+    int done = 0;
+    for (int i = 0; i < rows; ++i) done += Append(i) ? 1 : 0;
+    std::chrono::duration<double> const seconds =
+        std::chrono::steady_clock::now() - start;
+    EXPECT_EQ(rows, done);
+    return seconds.count();
+  }
+  std::byte* Record(std::int32_t row) {
+    return t_.Part(0).Row(row, static_cast<std::int32_t>(
+                                   t_.entry->GetDefinition()->GetMemorySize()));
+  }
+
+  TestTable t_;
+};
+
+// A pass for every row would take minutes in each of these.
+constexpr double kMostSeconds = 20;
+
+TEST_F(LookupsAppend, TwoUniqueColumnsCostNoPassForEveryRow) {
+  Fill(100'000);
+  EXPECT_GT(kMostSeconds, AppendAll(100'000));
+  EXPECT_EQ(1, t_.table.SelectZeile("BEZ_DIN", L"C99999"));
+  EXPECT_EQ(199'999, TableAccess::CurrentRow(t_.table));
+}
+
+TEST_F(LookupsAppend, RowsThatShareATextCostNoPassForEveryRow) {
+  Fill(100'000);
+  StoreValue(Record(1) + kName, LoadValue<std::int32_t>(Record(0) + kName));
+  ++t_.Part(0).revision;
+  EXPECT_GT(kMostSeconds, AppendAll(100'000));
+}
+
+TEST_F(LookupsAppend, TextsInTheMainFileThatShareCostNoPassEither) {
+  Fill(50'000);
+  StoreValue(Record(1) + kName, LoadValue<std::int32_t>(Record(0) + kName));
+  ++t_.Part(0).revision;
+  // New rows go into part 0, too, and set an empty text to the empty text.
+  auto const start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 50'000; ++i) {
+    ASSERT_TRUE(t_.table.NeueZeile(false));
+    for (char const* const column : {"NAME", "BEZ_DIN"}) {
+      auto const text = L"M" + std::to_wstring(i);
+      ASSERT_EQ(0, t_.table.SelectZeile(column, text.c_str()));
+      t_.table.SelectColumn(column);
+      ASSERT_EQ(1, t_.table.SetWert(text.c_str()));
+    }
+    t_.table.SelectColumn("NOTE");
+    ASSERT_EQ(1, t_.table.SetWert(L""));
+  }
+  std::chrono::duration<double> const seconds =
+      std::chrono::steady_clock::now() - start;
+  EXPECT_GT(kMostSeconds, seconds.count());
+}
+
+TEST_F(LookupsAppend, TextsAtTheEndOfTheStoreCostNoPassForEveryRow) {
+  Fill(50'000);
+  auto const count = static_cast<std::int32_t>(t_.Part(0).strings->count());
+  StoreValue(Record(0) + kNote, count);
+  StoreValue(Record(1) + kNote, count + 1'000'000'000);
+  ++t_.Part(0).revision;
+  auto const start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 50'000; ++i) {
+    ASSERT_TRUE(t_.table.NeueZeile(false));
+    auto const text = L"M" + std::to_wstring(i);
+    ASSERT_EQ(0, t_.table.SelectZeile("NAME", text.c_str()));
+    t_.table.SelectColumn("NAME");
+    ASSERT_EQ(1, t_.table.SetWert(text.c_str()));
+  }
+  std::chrono::duration<double> const seconds =
+      std::chrono::steady_clock::now() - start;
+  EXPECT_GT(kMostSeconds, seconds.count());
+}
+
+}  // namespace
+}  // namespace tabwerk::test
