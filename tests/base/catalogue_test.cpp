@@ -159,5 +159,21 @@ TEST_F(ManagerCatalogue, CopiesSurviveTheReplacementOfTheInstance) {
   EXPECT_FALSE(copy.NotRegistered(W("A")));
 }
 
+// Kept: what is added later belongs to this instance only.
+TEST_F(ManagerCatalogue, AddedDatabasesAreGoneAfterReopening) {
+  Init({"A"});
+  DBbase::AddFiles({W("C")}, {{W("c.db")}}, Manager());
+  EXPECT_EQ("[C][A]", Chain());
+  DBbase::ReOpen(false);
+  EXPECT_FALSE(Manager()->SelectDB(W("C")));
+}
+
+TEST_F(ManagerCatalogue, ADottedNameCanNeitherBeClosedNorWritten) {
+  Init({"A.B"});
+  EXPECT_EQ(0, Manager()->Close(W("A.B")));
+  EXPECT_FALSE(Manager()->Write(W("A.B"), false, W("")));
+  EXPECT_EQ(1, Manager()->FilesCount());
+}
+
 }  // namespace
 }  // namespace tabwerk::test

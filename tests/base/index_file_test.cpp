@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "base/manager_access.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
@@ -308,6 +310,84 @@ TEST_F(IndexFile, ThatWaitsForAnotherTimeStampIsNot) {
   WriteFileBytes(Path("STOCK.idx.2001"), EncodeIndex(Good()));
   EXPECT_EQ(-1, Make());
   EXPECT_EQ("[1][2][3][4]", Folge());
+}
+
+// --- Results
+// ------------------------------------------------------------------
+
+class IndexResult : public IndexFile {
+ protected:
+  // What an opening answers; the tables are read, the index is not yet.
+  int Opened() {
+    Configure("STOCK", {"MAIN.db", "USER.UDB"});
+    auto const index = FileExists("STOCK.idx") ? Bytes("STOCK.idx")
+                                               : std::vector<unsigned char>();
+    bool const was_there = FileExists("STOCK.idx");
+    EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+    messages_.clear();
+    if (was_there) {
+      WriteFileBytes(Path("STOCK.idx"), index);
+    } else {
+      std::filesystem::remove(Path("STOCK.idx"));
+    }
+    return ManagerAccess::MakeIndexFile(*Manager(), Manager()->GetDirectory());
+  }
+};
+
+TEST_F(IndexResult, IsOneWhenTheIndexIsBuilt) { EXPECT_EQ(1, Opened()); }
+
+TEST_F(IndexResult, IsMinusOneWhenTheIndexIsValid) {
+  OpenStock();
+  EXPECT_EQ(-1, Opened());
+}
+
+TEST_F(IndexResult, IsOneWhenAnyFileHasChanged) {
+  for (auto const position : {0U, 1U}) {
+    auto index = Good();
+    ++index.time_stamps[position];
+    WriteIndex(index);
+    EXPECT_EQ(1, Opened());
+    EXPECT_EQ("[Updating database index][clear]", messages_);
+  }
+}
+
+TEST_F(IndexResult, IsOneWithoutAMessageWhenTheCheckFails) {
+  WriteFileBytes(Path("STOCK.idx"), {1, 2, 3});
+  EXPECT_EQ(1, Opened());
+  EXPECT_EQ("", messages_);
+}
+
+// Kept: only the upper-case extension makes a user file.
+TEST_F(IndexFile, HasNoNameForALowerCaseExtension) {
+  std::filesystem::rename(Path("USER.UDB"), Path("USER.udb"));
+  Configure("STOCK", {"MAIN.db", "USER.udb"});
+  EXPECT_EQ("",
+            ManagerAccess::IndexFileName(*Manager(), Manager()->GetDirectory())
+                .toUtf8());
+}
+
+// Kept: the index is named after the database alone.
+TEST_F(IndexFile, IsSharedByDatabasesOfOneNameInOneFolder) {
+  MakeArticles("OTHER.UDB", 3000, {});
+  OpenStock();
+  Configure("STOCK", {"MAIN.db", "OTHER.UDB"});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+  EXPECT_EQ((std::vector<std::int64_t>{1000, 3000}), Index().time_stamps);
+}
+
+TEST_F(IndexFile, WithEveryByteFlippedHarmsNothing) {
+  OpenStock();
+  DBbase::Init({}, {});
+  auto const whole = Bytes("STOCK.idx");
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    SCOPED_TRACE(i);
+    auto bytes = whole;
+    bytes[i] = static_cast<unsigned char>(bytes[i] ^ 0xFFU);
+    WriteFileBytes(Path("STOCK.idx"), bytes);
+    OpenStock(false);
+    EXPECT_EQ("[Anna][Bert][Carl][Dora]", Column(Table("ARTIKEL"), "NAME"));
+    EXPECT_TRUE(DecodeIndex(Bytes("STOCK.idx"), 2).has_value());
+  }
 }
 
 }  // namespace

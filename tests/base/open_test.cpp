@@ -293,5 +293,57 @@ TEST_F(ManagerOpen, OldFormatsBesideACurrentUserFile) {
   }
 }
 
+// Kept: the files are opened for reading, and no table is read.
+TEST_F(ManagerOpen, CreatingWithoutWritingOpensTheFilesOnly) {
+  Configure("STOCK", {"MAIN.db"});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, true));
+  EXPECT_NE(nullptr, Stream(0));
+  EXPECT_EQ("[1|1|0|Anna][2|2|0|Bert]", Rows("ARTIKEL"));
+}
+
+// Kept: an unknown name means the current database, in failure as well.
+TEST_F(ManagerOpen, UnknownNameThatFailsRemovesTheCurrentDatabase) {
+  Configure("STOCK", {"NONE.db"});
+  EXPECT_EQ(0, Manager()->Open(W("OTHER"), false, false));
+  EXPECT_EQ(0, Manager()->FilesCount());
+}
+
+TEST_F(ManagerOpen, NewTableIsSoughtFromTheFirstDatabaseOn) {
+  MakeFile("OTHER.db", {PlainHeader::kCurrent, 1, {{"X", "integer ID\n", {}}}});
+  DBbase::Init(
+      {W("A"), W("B"), W("C")},
+      {{W(Path("MAIN.db"))}, {W(Path("MAIN.db"))}, {W(Path("OTHER.db"))}});
+  for (auto const* name : {"A", "B", "C"}) {
+    ASSERT_EQ(1, Manager()->Open(W(name), false, false));
+  }
+  DBTabelle* table = nullptr;
+  EXPECT_TRUE(Manager()->NeueTabelle("ARTIKEL", table));
+  EXPECT_EQ("B", Manager()->GetDirectory()->GetName().toUtf8());
+  // Kept: without the table the last one of the chain is current.
+  EXPECT_FALSE(Manager()->NeueTabelle("NONE", table));
+  EXPECT_EQ("A", Manager()->GetDirectory()->GetName().toUtf8());
+}
+
+TEST_F(ManagerOpen, TableOfAManagerWithoutCatalogueIsNotOpened) {
+  DBDirectory directory;
+  directory.Initialize(W("OWN"), {W(Path("MAIN.db"))});
+  ASSERT_TRUE(directory.OpenDBdatei(0, false, false));
+  DBbase manager(&directory);
+  DBTabelle* table = nullptr;
+  EXPECT_EQ(0, manager.OpenTabelle("ARTIKEL", table));
+  directory.CloseDBdatei();
+}
+
+TEST_F(ManagerOpen, EntryWithoutPartsNeverCountsAsLoaded) {
+  OpenStock();
+  auto* const directory = Manager()->GetDirectory();
+  EXPECT_EQ(0, directory->AddEntry(new DBDefinition("integer ID\n"), "",
+                                   W("MAIN.db"), true, 0, 0, 0, 0, 0));
+  DBTabelle* table = nullptr;
+  EXPECT_EQ(0, Manager()->OpenTabelle("", table));
+  // Such an entry cannot be written, either.
+  EXPECT_FALSE(Manager()->Write(W("STOCK"), true, W("")));
+}
+
 }  // namespace
 }  // namespace tabwerk::test

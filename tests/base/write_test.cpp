@@ -315,5 +315,68 @@ TEST_F(WriteFaults, FailingForGoodLeavesTheOldOrTheNewFile) {
   EXPECT_LT(20, n);
 }
 
+// Kept: the index written along holds the stamps of before.
+TEST_F(ManagerWrite, IndexIsStaleAtTheReopening) {
+  static int shown = 0;
+  shown = 0;
+  zSplashMessage::GetSplashMessage()->SetCallback(
+      [](void*, zWString const* text) { shown += text != nullptr ? 1 : 0; },
+      nullptr);
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ(1, shown);
+  // A save under another name changes none of the database's files.
+  EXPECT_TRUE(Manager()->Write(W("STOCK"), false, W(Path("COPY.db"))));
+  EXPECT_EQ(1, shown);
+}
+
+TEST_F(ManagerWrite, DropsWhatIsUnsavedInOtherDatabases) {
+  MakeArticles("THIRD.db", 1, {"1|1|0|Zoe"});
+  DBbase::Init(
+      {W("STOCK"), W("THIRD")},
+      {{W(Path("MAIN.db")), W(Path("USER.UDB"))}, {W(Path("THIRD.db"))}});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+  EXPECT_EQ(1, Manager()->Open(W("THIRD"), false, false));
+  EXPECT_TRUE(SetText(Table("ARTIKEL"), 0, "NAME", "Zora"));
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("[1|1|0|Zoe]", Rows("ARTIKEL"));
+}
+
+// Kept: the file is written, whatever becomes of the other databases.
+TEST_F(ManagerWrite, IsTrueThoughAnotherDatabaseDoesNotReopen) {
+  DBbase::Init(
+      {W("STOCK"), W("NONE")},
+      {{W(Path("MAIN.db")), W(Path("USER.UDB"))}, {W(Path("NONE.db"))}});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+  AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ("[20000|3|0|Carl][20001|4|0|Dora]", InFile("USER.UDB"));
+}
+
+TEST_F(ManagerWrite, DefinitionThatWouldNotReadBackIsRefused) {
+  auto* const directory = Manager()->GetDirectory();
+  auto const text = "integer " + std::string(64, 'x') + ",integer B\n";
+  EXPECT_EQ(1, directory->AddEntry(new DBDefinition(text.c_str()), "BLANK",
+                                   W(Path("MAIN.db")), true, 0, 0, 0, 0, 0));
+  DBTabelle* table = nullptr;
+  ASSERT_TRUE(Manager()->NeueTabelle("BLANK", table));
+  EXPECT_FALSE(WriteUserFile());
+  EXPECT_EQ("[20000|3|0|Carl]", InFile("USER.UDB"));
+}
+
+TEST_F(ManagerWrite, FilesAreOpenAsBeforeAfterAFailedMove) {
+  {
+    FaultGuard faults;
+    faults.FailAt(1, Lasting::kOnce, Only(Call::kReplace));
+    EXPECT_FALSE(WriteUserFile());
+  }
+  auto* const directory = Manager()->GetDirectory();
+  EXPECT_NE(nullptr, directory->GetFile(0));
+  EXPECT_NE(nullptr, directory->GetFile(1));
+  DBDirectory other;
+  other.Initialize(W("X"), {W(Path("USER.UDB"))});
+  EXPECT_FALSE(other.OpenDBdatei(0, true, false));  // still held for writing
+  EXPECT_TRUE(other.OpenDBdatei(0, false, false));
+}
+
 }  // namespace
 }  // namespace tabwerk::test
