@@ -16,7 +16,6 @@ using tabwerk::Guarded;
 using tabwerk::ManagerAccess;
 using tabwerk::OpenedTables;
 using tabwerk::TableAccess;
-using tabwerk::TablePart;
 
 namespace {
 

@@ -97,6 +97,8 @@ bool Save::PrepareIndex() {
   if (position_ == 0U) std::reverse(order.begin(), order.end());
   auto const stamps = TimeStamps(directory_);
   auto const pending = PendingIndexPath(index_, time_stamp_);
+  older_indices_.reserve(stamps.size());
+  unreachable_indices_.reserve(1);
   for (std::size_t i = 0; i < stamps.size(); ++i) {
     auto& outdated = i == position_ ? unreachable_indices_ : older_indices_;
     outdated.push_back(PendingIndexPath(index_, stamps[i]));

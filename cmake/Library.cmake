@@ -79,5 +79,10 @@ function(tabwerk_link_objects target)
     VISIBILITY_INLINES_HIDDEN ON)
   if(WIN32)
     target_link_options(${target} PRIVATE -static)
+    # The objects carry their export marks into every program, so the linker
+    # writes an import library for it.  Nobody needs it, and that of a program
+    # named tabwerk would replace the DLL's.
+    set_target_properties(${target} PROPERTIES
+      ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/programs_lib")
   endif()
 endfunction()

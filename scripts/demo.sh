@@ -22,7 +22,7 @@ step "Building the release"
 mkdir -p "$root/logs"
 log=$root/logs/demo.log
 if ! { cmake --preset release -B "$root/release" &&
-  cmake --build "$root/release"; } >"$log" 2>&1; then
+  cmake --build "$root/release" -- --quiet; } >"$log" 2>&1; then
   tail -n 40 "$log" >&2
   exit 1
 fi

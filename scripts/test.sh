@@ -42,6 +42,17 @@ export CTEST_OUTPUT_ON_FAILURE=1
 export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1
 
+# A locale with a decimal comma, for the tests that a program's locale changes
+# nothing.  It is made here, so that the machine's own settings stay as they are.
+make_locale() {
+  local locales
+  locales=$(realpath "$root")/locale
+  mkdir -p "$locales"
+  [ -d "$locales/de_DE.UTF-8" ] ||
+    localedef -i de_DE -f UTF-8 "$locales/de_DE.UTF-8" || return 1
+  export LOCPATH=$locales
+}
+
 # logged NAME COMMAND...: runs a command with its output in a file, of which
 # only the end is shown, and only when it fails.
 logged() {
@@ -64,7 +75,8 @@ count_cases() {
        /^\[  SKIPPED \] [0-9]+ test/ { skipped += $4 }
        END { printf "GoogleTest cases passed: %d, skipped: %d\n",
              passed, skipped }' "$log"
-  grep -A1 -h ': Skipped$' "$log" | grep -v '^--$' | sort -u
+  sed -n '/: Skipped$/{s/.*\/\(tests\/.*\): Skipped$/  left out: \1/;N;s/\n/: /p}' \
+    "$log" | sort -u
 }
 
 build_and_test() {
@@ -98,6 +110,7 @@ run_tidy() {
 }
 
 scripts/install-packages.sh || exit 1
+make_locale || exit 1
 
 summary=()
 failed=0
