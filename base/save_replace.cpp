@@ -92,6 +92,7 @@ bool Save::PrepareIndex() {
   copies.reserve(tables_.size());
   for (auto* table : tables_) copies.emplace_back(*table);
   std::vector<DBTabelle*> order;
+  order.reserve(copies.size());
   for (auto& copy : copies) order.push_back(&copy);
   // Reading a first file reverses the order of its tables.
   if (position_ == 0U) std::reverse(order.begin(), order.end());

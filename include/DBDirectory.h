@@ -42,7 +42,8 @@ class TABWERK_API DBDirEntry {
  public:
   static constexpr std::size_t kNameSize = 64;
 
-  // A nameless entry with an empty definition and no parts.
+  // A nameless entry with an empty definition and no parts.  Without memory it
+  // throws std::bad_alloc.
   DBDirEntry();
   DBDirEntry(DBDirEntry const&) = delete;
   DBDirEntry& operator=(DBDirEntry const&) = delete;
@@ -58,8 +59,9 @@ class TABWERK_API DBDirEntry {
   DBDirEntry* GetPrevious() const noexcept;
   // Number of parts.
   std::size_t GetNumberOfParts() const noexcept;
-  // Number of rows in that part as its file records it; 0 for a part that does
-  // not exist.
+  // Number of rows that part has in memory, new ones included; 0 for a part
+  // that does not exist.  For a part whose directory numbers are damaged it is
+  // the stored number, which may be negative: a table shows no row of it.
   long GetPartRows(std::size_t part) const noexcept;
   // True when that part's rows and texts are in memory.
   bool GetPartLoaded(std::size_t part) const noexcept;
@@ -192,12 +194,14 @@ class TABWERK_API DBDirectory {
   bool ReadFromFile(FILE* stream, int file);
   // Writes header, directory and the zero byte that ends it, for the file at
   // that position.  The time stamp is the current second, at least one more
-  // than the file's last one.  Leaves no current table.  Returns 1, or 0 when
-  // the stream is null, a table has no name or no part for that file, a
-  // definition does not fit or would not read back, or writing failed.
+  // than the file's last one and than that of the file which opening for
+  // creation emptied.  Leaves no current table.  Returns 1, or 0 when the
+  // stream is null, a table has no name or no part for that file, a definition
+  // does not fit or would not read back, or writing failed.
   int WriteToFile(FILE* stream, std::size_t file);
   // Appends to every entry of existing a copy of the first part of the entry of
-  // the same name in incoming.  True.
+  // the same name in incoming.  True; false, and nothing is appended, without
+  // memory.
   bool Merge(DBDirEntry* existing, DBDirEntry* incoming);
 
  private:

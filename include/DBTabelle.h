@@ -59,13 +59,13 @@ class TABWERK_API DBTabelle {
 
   // --- Making and binding -------------------------------------------------
 
-  // No rows, empty indices, nothing selected.
+  // No rows, empty indices, nothing selected.  Without memory all constructors
+  // and the assignment throw std::bad_alloc; the target of an assignment stays
+  // as it was.  No other member does.
   DBTabelle();
   // The same: a table gets its rows from SetDirEntry.
   explicit DBTabelle(DBDirEntry* entry);
   // Copies share the rows and have indices and a selection of their own.
-  // Without memory these throw std::bad_alloc; the target of an assignment
-  // stays as it was.
   DBTabelle(DBTabelle const& other);
   DBTabelle& operator=(DBTabelle const& other);
   virtual ~DBTabelle();
@@ -124,6 +124,9 @@ class TABWERK_API DBTabelle {
   // Number of rows.
   int GetAnzahlZeilen();
   // Number of rows whose STATUS is 0; 0 when there is no integer column STATUS.
+  // The column selected before is selected again, "ID" where none was, and the
+  // row as well; but where a row's STATUS cannot be read (in row 0 when the
+  // column is no integer) the count ends and that row stays selected.
   int GetAnzahlAktiveZeilen();
 
   // --- Selection and search -----------------------------------------------
@@ -193,6 +196,13 @@ class TABWERK_API DBTabelle {
   // Row at that place; -1 when there is none.
   long GetRowByFolge(long folge) const;
 
+  // What the members from here to ResortIndexID used last stays selected.  The
+  // Make forms: the index's own column, if there is one, and the last row.  The
+  // Read forms of FOLGE and STATUS: that column, and the row of the last entry
+  // (ReadIndexFolgeNoUpdate: the row of before).  ResortIndexID: FOLGE and the
+  // last row.  ReadIndexID, a section with a wrong tag and the Write forms
+  // select nothing.
+
   // Build one index from the rows.
   void MakeIndexID();
   void MakeIndexFolge();
@@ -221,12 +231,17 @@ class TABWERK_API DBTabelle {
   // with what was written before kept.
   bool SetZeileWerte(std::map<std::string, std::wstring>& values,
                      DBTabelle::Action action);
-  // The value stored under key, or the empty text.
+  // The value stored under key; the empty text when there is none or memory is
+  // exhausted.
   std::wstring mapGetString(std::map<std::string, std::wstring>& values,
                             std::string key);
   // Writes the rows of sub-table 0 (false) or 1 (true) as lines of text, fields
   // in order with separator between them, strings in double quotes as they are
-  // stored.  Returns the number of rows plus 1; 0 when stream is null.
+  // stored.  Returns the number of rows plus 1; 0 when stream is null, or when
+  // memory is exhausted, with the lines before written.  Afterwards values of
+  // that part are read and set in its last row and field, until a row and a
+  // column are selected; the number of the current row, which the indices
+  // take, stays.
   int Dump(FILE* stream, wchar_t* separator, bool user);
 
  private:

@@ -114,7 +114,9 @@ std::int64_t DirectoryAccess::NextTimeStamp(DBDirectory const& directory,
                                             std::size_t file) {
   std::int64_t const now = platform::Now();
   if (file >= directory.files_.size()) return now;
-  std::int64_t const last = directory.files_[file].time_stamp;
+  FileRecord const& record = directory.files_[file];
+  std::int64_t const last =
+      std::max(record.time_stamp, record.replaced_time_stamp);
   // Behind the greatest number there is only one that differs.
   if (last == std::numeric_limits<std::int64_t>::max()) return now;
   return std::max(now, last + 1);

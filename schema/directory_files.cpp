@@ -38,6 +38,18 @@ bool OpenStream(FileRecord* file, Opening how) {
   return file->stream->get() != nullptr;
 }
 
+// Time stamp of the file at that path; 0 when it has none or cannot be read.
+std::int64_t ReadTimeStamp(zWString const& path) {
+  platform::Error error = platform::Error::kNone;
+  SharedStream const stream(
+      platform::OpenFile(path, Mode::kRead, Share::kDenyNone, &error));
+  short version = 0;
+  long long time_stamp = 0;
+  return DBDirectory::ReadFileVersion(stream.get(), version, time_stamp)
+             ? time_stamp
+             : 0;
+}
+
 }  // namespace
 
 bool DirectoryAccess::OpenFile(DBDirectory& directory, std::size_t file,
@@ -47,6 +59,12 @@ bool DirectoryAccess::OpenFile(DBDirectory& directory, std::size_t file,
   record.create = create;
   record.write = write;
   record.open = false;
+  if (write && create) {
+    // A stream of this record may hold the file: its share mode would stand in
+    // the way.
+    if (record.stream) record.stream->Close();
+    record.replaced_time_stamp = ReadTimeStamp(record.name);
+  }
   if (!OpenStream(&record, OpeningFor(record, Mode::kCreate))) return false;
   if (!(write && create)) {
     if (!ReadContainer(directory, record.stream->get(), file)) return false;

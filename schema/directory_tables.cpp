@@ -250,7 +250,9 @@ int DBDirectory::AdjustOffset(long delta, std::size_t part) {
     if (target == nullptr) continue;
     bool const rows_fit = tabwerk::Add(&target->row_block_offset, step);
     bool const strings_fit = tabwerk::Add(&target->string_block_offset, step);
-    if (!rows_fit || !strings_fit) target->damaged = true;
+    if (rows_fit && strings_fit) continue;
+    target->damaged = true;  // and so without rows
+    ++target->revision;
   }
   current_table_ = nullptr;
   return 1;

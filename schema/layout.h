@@ -11,6 +11,11 @@ namespace tabwerk {
 // Bytes of a value of that type in a row record; 0 for an unknown type.
 std::int32_t ValueSize(DBType type) noexcept;
 
+// True when a value of that type at that offset lies inside a record of
+// record_size bytes.  A host can write to a field's offset.
+bool LiesInRecord(DBType type, std::int32_t offset,
+                  std::int64_t record_size) noexcept;
+
 // True when both describe the same row record: the same number of fields with
 // the same types and offsets, and the same record size.  Names do not count.
 bool SameLayout(DBDefinition const& left, DBDefinition const& right) noexcept;

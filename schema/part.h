@@ -41,6 +41,8 @@ struct FileRecord {
   bool write = false;           // the last opening was for writing
   std::int32_t data_start = 0;  // bytes
   std::int64_t time_stamp = 0;
+  // Of the file that an opening for creation emptied; 0 when it had none.
+  std::int64_t replaced_time_stamp = 0;
   // Divisor of this file's stored string block sizes: 2 for format 2014,
   // else 1.
   short char_factor = 1;
@@ -69,8 +71,10 @@ struct TablePart {
   // table can tell whether what it remembers still holds.
   std::uint64_t revision = 0;
 
-  // Number of rows a table sees: 0 for a damaged part.
-  std::int32_t Rows() const noexcept { return damaged ? 0 : row_count; }
+  // Number of rows a table sees: 0 for a damaged part, never less.
+  std::int32_t Rows() const noexcept {
+    return damaged || row_count < 0 ? 0 : row_count;
+  }
   // Start of a row's record of record_size bytes; null when it does not lie
   // wholly inside the row block.
   std::byte* Row(std::int32_t row, std::int32_t record_size) noexcept {

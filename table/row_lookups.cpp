@@ -1,10 +1,10 @@
 #include "table/row_lookups.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/translation.h"
 #include "platform/guarded.h"
-#include "schema/bytes.h"
 #include "schema/part.h"
 #include "table/row_walk.h"
 #include "table/sub_table.h"
@@ -13,64 +13,23 @@
 namespace tabwerk {
 namespace {
 
-using Sharing = RowLookups::Sharing;
-
-bool StartsAText(DBStringMemory const& strings, std::size_t place) {
-  return place == 0 || LoadValue<char16_t>(strings.data() + 2 * place - 2) == 0;
-}
-
-// Whether the string values of a part have places of their own, each right
-// behind the end of another text.
-Sharing SharingOf(TablePart& part, DBDefinition const& definition) {
-  auto const record_size =
-      static_cast<std::int32_t>(definition.GetMemorySize());
-  auto const& strings = *part.strings;
-  std::size_t const count = strings.count();
-  std::vector<bool> taken(count);
-  auto sharing = Sharing::kNone;
-  for (std::int32_t row = 0; row < part.Rows(); ++row) {
-    auto const* const record = part.Row(row, record_size);
-    if (record == nullptr) return Sharing::kAtTheEnd;
-    for (auto const* field = definition.GetDefinition(); field != nullptr;
-         field = field->next) {
-      if (field->type != DBTypeString) continue;
-      auto const index = LoadValue<std::int32_t>(record + field->offset);
-      if (index < 0) continue;  // names no text, now or later
-      auto const place = static_cast<std::size_t>(index);
-      if (place >= count) return Sharing::kAtTheEnd;
-      if (taken[place] || !StartsAText(strings, place)) {
-        sharing = Sharing::kInPlace;
-      }
-      taken[place] = true;
-    }
-  }
-  bool const ends = count == 0 || StartsAText(strings, count);
-  return ends ? sharing : Sharing::kAtTheEnd;
-}
-
-Sharing SharingOf(DBTabelle& table) {
-  auto worst = Sharing::kNone;
-  for (auto& sub_table : TableAccess::SubTables(table)) {
-    auto const sharing =
-        SharingOf(*sub_table.part, *TableAccess::Definition(table));
-    if (sharing > worst) worst = sharing;
-  }
-  return worst;
-}
+// Columns of texts that are remembered; the one that was searched longest ago
+// makes room.
+constexpr std::size_t kMostColumns = 4;
 
 }  // namespace
 
 void RowLookups::ForgetAll() noexcept {
-  status_ = searched_ = nullptr;
-  texts_.reset();
+  status_ = nullptr;
+  columns_.clear();
 }
 
 bool RowLookups::IsFresh(DBTabelle& table) {
   auto const& sub_tables = TableAccess::SubTables(table);
   bool fresh = seen_.size() == sub_tables.size();
   for (std::size_t i = 0; fresh && i < seen_.size(); ++i) {
-    fresh = seen_[i] == sub_tables[i].part->revision &&
-            !sub_tables[i].part->lent;
+    fresh =
+        seen_[i] == sub_tables[i].part->revision && !sub_tables[i].part->lent;
   }
   if (!fresh) ForgetAll();
   return fresh;
@@ -100,23 +59,49 @@ void RowLookups::SetActiveRows(DBTabelle& table, DBFeld const* status,
   active_rows_ = count;
 }
 
+RowLookups::SearchedColumn& RowLookups::Searched(DBFeld const* field) {
+  auto const it = std::find_if(
+      columns_.begin(), columns_.end(),
+      [field](auto const& column) { return column.field == field; });
+  if (it != columns_.end()) {
+    std::rotate(it, it + 1, columns_.end());
+    return columns_.back();
+  }
+  if (columns_.size() == kMostColumns) columns_.erase(columns_.begin());
+  columns_.emplace_back().field = field;
+  return columns_.back();
+}
+
 TextLookup const* RowLookups::TextsOf(DBTabelle& table, DBFeld* field) {
   if (!IsFresh(table)) SeePresent(table);
-  bool const known = texts_ != nullptr && texts_->field() == field &&
-                     texts_->IsInCurrentLanguage();
-  if (known) return texts_.get();
-  // A single search is not worth it: looking at the rows once is faster.
+  auto& column = Searched(field);
   auto const language = CurrentLanguage();
-  bool const again = searched_ == field && searched_language_ == language;
-  searched_ = field;
-  searched_language_ = language;
+  // A single search is not worth it: looking at the rows once is faster.
+  bool const again = column.language == language;
+  if (again && column.texts != nullptr) return column.texts.get();
+  column.language = language;
+  column.texts.reset();
   if (!again) return nullptr;
-  texts_.reset();
   auto fresh = std::make_unique<TextLookup>();
   if (!fresh->Build(table, field)) return nullptr;
-  sharing_ = SharingOf(table);
-  texts_ = std::move(fresh);
-  return texts_.get();
+  SeePlaces(table);
+  column.texts = std::move(fresh);
+  return column.texts.get();
+}
+
+void RowLookups::SeePlaces(DBTabelle& table) {
+  std::vector<TextPlaces> places;
+  for (auto const& sub_table : TableAccess::SubTables(table)) {
+    places.push_back(
+        PlacesOf(*sub_table.part, *TableAccess::Definition(table)));
+  }
+  places_ = std::move(places);
+}
+
+// Whether a text was put where a value of another row points to.
+bool RowLookups::HasReachedValues(DBTabelle& table, std::size_t part) const {
+  auto const& strings = *TableAccess::SubTables(table)[part].part->strings;
+  return part < places_.size() && strings.count() > places_[part].most_units;
 }
 
 void RowLookups::RowAdded(DBTabelle& table, std::size_t part,
@@ -124,11 +109,13 @@ void RowLookups::RowAdded(DBTabelle& table, std::size_t part,
   if (!FollowsOn(table, part)) return;
   // A new row has only zeros.
   if (status_ != nullptr) ++active_rows_;
-  if (row + 1 == CountRows(table)) {
-    UpdateText(table, row);
-  } else {
-    texts_.reset();  // the rows behind it have other numbers now
+  // The rows behind one that is not the last have other numbers now.  A value
+  // that the new row's empty texts have reached still reads as empty.
+  if (row + 1 != CountRows(table)) {
+    columns_.clear();
+    return;
   }
+  for (auto& column : columns_) UpdateText(table, &column, row);
 }
 
 void RowLookups::NumberSet(DBTabelle& table, std::size_t part,
@@ -144,26 +131,34 @@ void RowLookups::RealSet(DBTabelle& table, std::size_t part) {
 }
 
 void RowLookups::TextSet(DBTabelle& table, std::size_t part,
-                         DBFeld const* field, std::int64_t row, bool appended) {
+                         DBFeld const* field, std::int64_t row,
+                         TextChange change) {
   if (!FollowsOn(table, part)) return;
-  bool const one_row = sharing_ == Sharing::kNone ||
-                       (sharing_ == Sharing::kInPlace && appended) ||
-                       texts_ == nullptr;
-  // A text that was set on a column of numbers may have gone anywhere.
-  if (field->type != DBTypeString || !one_row) {
+  if (field->type != DBTypeString && change != TextChange::kNone) {
+    // A text that was set on a column of numbers may have gone anywhere.
     ForgetAll();
-  } else if (texts_ != nullptr && texts_->field()->offset == field->offset) {
-    UpdateText(table, row);
+    return;
+  }
+  bool const shared = part < places_.size() && places_[part].shared;
+  if ((shared && change == TextChange::kInPlace) ||
+      HasReachedValues(table, part)) {
+    columns_.clear();
+    return;
+  }
+  if (change == TextChange::kNone) return;
+  for (auto& column : columns_) {
+    if (column.field->offset == field->offset) UpdateText(table, &column, row);
   }
 }
 
-void RowLookups::UpdateText(DBTabelle& table, std::int64_t row) {
-  if (texts_ == nullptr) return;
+void RowLookups::UpdateText(DBTabelle& table, SearchedColumn* column,
+                            std::int64_t row) {
+  if (column->texts == nullptr) return;
   bool const kept = Guarded(false, [&] {
-    return texts_->IsInCurrentLanguage() &&
-           texts_->Update(table, static_cast<std::int32_t>(row));
+    return column->texts->IsInCurrentLanguage() &&
+           column->texts->Update(table, static_cast<std::int32_t>(row));
   });
-  if (!kept) texts_.reset();
+  if (!kept) column->texts.reset();
 }
 
 RowLookups& TableAccess::NeedLookups(DBTabelle& table) {

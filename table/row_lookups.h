@@ -7,26 +7,27 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 #include "DBTabelle.h"
 #include "table/text_lookup.h"
+#include "table/text_places.h"
 
 namespace tabwerk {
 
-// The number of active rows, and the rows of one string column by their text.
+// The number of active rows, and the rows of a few string columns by their
+// text.
 //
 // Both are answers that a pass over the rows would give; they are kept while
 // the table itself tells of every change, and forgotten as soon as a part has
 // changed in another way (its revision then is not the one that was seen).
 class RowLookups {
  public:
-  // How far setting one text can change what other rows read.
-  enum class Sharing : std::uint8_t {
-    kNone,      // every value has a text of its own
-    kInPlace,   // overwriting a text may change several rows
-    kAtTheEnd,  // appending a text may, too: a value lies behind the store
+  // What setting a text did.
+  enum class TextChange : std::uint8_t {
+    kNone,      // place and text of the value are as before
+    kInPlace,   // the old text was overwritten
+    kAppended,  // the text got a new place at the end of the store
   };
 
   // Number of rows with a STATUS of 0, if it is known.
@@ -49,27 +50,35 @@ class RowLookups {
                  std::int32_t old_value, std::int32_t value);
   // A real of a row.
   void RealSet(DBTabelle& table, std::size_t part);
-  // A text at that field; appended tells whether it got a new place in the
-  // store, so that no other row can have changed with it.
+  // A text at that field.
   void TextSet(DBTabelle& table, std::size_t part, DBFeld const* field,
-               std::int64_t row, bool appended);
+               std::int64_t row, TextChange change);
 
  private:
+  // A column in which a text was searched.
+  struct SearchedColumn {
+    DBFeld const* field = nullptr;
+    std::optional<short> language;      // of the last search
+    std::unique_ptr<TextLookup> texts;  // null before the second search
+  };
+
   void ForgetAll() noexcept;
   bool IsFresh(DBTabelle& table);
   // True when nothing but the one change to that part happened since; that
   // change then counts as seen.
   bool FollowsOn(DBTabelle& table, std::size_t part);
   void SeePresent(DBTabelle& table);
-  void UpdateText(DBTabelle& table, std::int64_t row);
+  void SeePlaces(DBTabelle& table);
+  bool HasReachedValues(DBTabelle& table, std::size_t part) const;
+  // The entry of that column, made where there is none, as the last one.
+  SearchedColumn& Searched(DBFeld const* field);
+  void UpdateText(DBTabelle& table, SearchedColumn* column, std::int64_t row);
 
   std::vector<std::uint64_t> seen_;  // revision of every part
   DBFeld const* status_ = nullptr;   // null while the number is not known
   int active_rows_ = 0;
-  DBFeld const* searched_ = nullptr;  // column of the last search
-  short searched_language_ = 0;
-  std::unique_ptr<TextLookup> texts_;
-  Sharing sharing_ = Sharing::kAtTheEnd;
+  std::vector<SearchedColumn> columns_;  // the one searched last at the end
+  std::vector<TextPlaces> places_;       // of every part, while texts are kept
 };
 
 }  // namespace tabwerk

@@ -2,15 +2,10 @@
 
 #include <vector>
 
-#include "schema/format.h"
+#include "schema/layout.h"
 
 namespace tabwerk {
 namespace {
-
-std::int32_t SizeOf(DBType type) {
-  if (type == DBTypeReal) return format::kRealSize;
-  return type == DBTypeInteger ? format::kIntegerSize : format::kStringSize;
-}
 
 std::int32_t RecordSize(DBTabelle& table) {
   DBDefinition const* const definition = TableAccess::Definition(table);
@@ -23,12 +18,7 @@ std::int32_t RecordSize(DBTabelle& table) {
 
 Column ColumnOf(DBTabelle& table, DBFeld const* field, DBType type) noexcept {
   if (field == nullptr || field->type != type) return {};
-  std::int32_t const record_size = RecordSize(table);
-  std::int32_t const size = SizeOf(type);
-  if (field->offset < 0 || size > record_size ||
-      field->offset > record_size - size) {
-    return {};
-  }
+  if (!LiesInRecord(type, field->offset, RecordSize(table))) return {};
   return {field->offset};
 }
 
@@ -43,6 +33,14 @@ std::int64_t CountRows(DBTabelle& table) noexcept {
     count += part.part->Rows();
   }
   return count;
+}
+
+std::int64_t TableAccess::ValueRow(DBTabelle& table) noexcept {
+  std::int64_t row = 0;
+  for (std::size_t i = 0; i < table.current_sub_table_; ++i) {
+    row += table.sub_tables_[i].part->Rows();
+  }
+  return row + table.sub_tables_[table.current_sub_table_].row;
 }
 
 void SelectEveryRow(DBTabelle& table) noexcept {

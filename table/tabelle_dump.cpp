@@ -8,6 +8,7 @@
 #include "platform/guarded.h"
 #include "platform/platform.h"
 #include "schema/bytes.h"
+#include "schema/layout.h"
 #include "schema/part.h"
 #include "table/sub_table.h"
 
@@ -15,13 +16,18 @@ namespace {
 
 using tabwerk::TablePart;
 
-// The stored value of a field as text; nothing when it lies outside its block.
+// The stored value of a field as text, a string in quotes.  Nothing when the
+// value lies outside its record or the row block, or the type is unknown; the
+// quotes alone when a string's place lies outside the store.
 std::u16string ValueText(TablePart& part, std::int32_t row,
                          DBDefinition const& definition, DBFeld const& field) {
   auto const record_size =
       static_cast<std::int32_t>(definition.GetMemorySize());
   auto const* const record = part.Row(row, record_size);
-  if (record == nullptr) return {};
+  if (record == nullptr ||
+      !tabwerk::LiesInRecord(field.type, field.offset, record_size)) {
+    return {};
+  }
   auto const* const value = record + field.offset;
   switch (field.type) {
     case DBTypeReal:

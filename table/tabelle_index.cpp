@@ -1,6 +1,7 @@
 // Building the row indices and looking rows up in them.
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "DBTabelle.h"
@@ -8,10 +9,12 @@
 #include "schema/bytes.h"
 #include "table/id_index.h"
 #include "table/row_walk.h"
+#include "table/table_access.h"
 
 using tabwerk::Column;
 using tabwerk::Guarded;
 using tabwerk::RowWalk;
+using tabwerk::TableAccess;
 
 namespace {
 
@@ -61,19 +64,29 @@ void DBTabelle::MakeIndexID() {
 }
 
 void DBTabelle::MakeIndexFolge() {
-  folge_index_ = MakeEntries(tabwerk::CountRows(*this) + 1, -1);
-  ForEachValue(*this, "FOLGE", [&](std::int32_t row, std::int32_t folge) {
-    auto const place = static_cast<std::size_t>(folge);
-    if (folge >= 0 && place < folge_index_.size()) folge_index_[place] = row;
-  });
+  TableAccess::MakeFolge(*this, MakeEntries(tabwerk::CountRows(*this) + 1, -1));
 }
 
 void DBTabelle::MakeIndexStatus() {
-  status_index_ = MakeEntries(tabwerk::CountRows(*this), 0);
-  ForEachValue(*this, "STATUS", [&](std::int32_t row, std::int32_t status) {
-    auto const place = static_cast<std::size_t>(row);
-    if (place < status_index_.size()) status_index_[place] = status;
+  TableAccess::MakeStatus(*this, MakeEntries(tabwerk::CountRows(*this), 0));
+}
+
+void tabwerk::TableAccess::MakeFolge(DBTabelle& table,
+                                     std::vector<std::int32_t> entries) {
+  ForEachValue(table, "FOLGE", [&](std::int32_t row, std::int32_t folge) {
+    auto const place = static_cast<std::size_t>(folge);
+    if (folge >= 0 && place < entries.size()) entries[place] = row;
   });
+  table.folge_index_ = std::move(entries);
+}
+
+void tabwerk::TableAccess::MakeStatus(DBTabelle& table,
+                                      std::vector<std::int32_t> entries) {
+  ForEachValue(table, "STATUS", [&](std::int32_t row, std::int32_t status) {
+    auto const place = static_cast<std::size_t>(row);
+    if (place < entries.size()) entries[place] = status;
+  });
+  table.status_index_ = std::move(entries);
 }
 
 long DBTabelle::MaxFolge() const {

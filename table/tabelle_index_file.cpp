@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "DBTabelle.h"
@@ -80,14 +81,17 @@ Values ReadValues(SectionSource& source, std::size_t count) {
 // Sets an index to as many entries of that value as its section announces, and
 // reads the section's values.  A source that ends early gives an index of the
 // announced size as long as that is small, else one for the values read.
-Values ReadEntries(SectionSource& source, Values* index, std::int32_t initial) {
+// False, an empty index and no values without memory.
+bool ReadEntries(SectionSource& source, Values* index, std::int32_t initial,
+                 Values* values) {
   index->clear();
   auto const count = static_cast<std::size_t>(ReadCount(source));
-  return Guarded(Values(), [&] {
-    Values values = ReadValues(source, count);
-    index->assign(std::min(count, std::max(values.size(), kPieceValues)),
+  return Guarded(false, [&] {
+    Values read = ReadValues(source, count);
+    index->assign(std::min(count, std::max(read.size(), kPieceValues)),
                   initial);
-    return values;
+    *values = std::move(read);
+    return true;
   });
 }
 
@@ -117,33 +121,33 @@ void DBTabelle::WriteIndexStatus(FILE* f) {
 
 void DBTabelle::ReadIndexID(FILE* f) {
   StreamSource source(f);
-  TableAccess::ReadIds(*this, source);
+  (void)TableAccess::ReadIds(*this, source);
 }
 
 void DBTabelle::ReadIndexFolge(FILE* f) {
   StreamSource source(f);
-  TableAccess::ReadFolge(*this, source, RowUpdate::kRowsToo);
+  (void)TableAccess::ReadFolge(*this, source, RowUpdate::kRowsToo);
 }
 
 void DBTabelle::ReadIndexFolgeNoUpdate(FILE* f) {
   StreamSource source(f);
-  TableAccess::ReadFolge(*this, source, RowUpdate::kIndexOnly);
+  (void)TableAccess::ReadFolge(*this, source, RowUpdate::kIndexOnly);
 }
 
 void DBTabelle::ReadIndexStatus(FILE* f) {
   StreamSource source(f);
-  TableAccess::ReadStatus(*this, source, RowUpdate::kRowsToo);
+  (void)TableAccess::ReadStatus(*this, source, RowUpdate::kRowsToo);
 }
 
 void DBTabelle::ReadIndexStatusNoUdate(FILE* f) {
   StreamSource source(f);
-  TableAccess::ReadStatus(*this, source, RowUpdate::kIndexOnly);
+  (void)TableAccess::ReadStatus(*this, source, RowUpdate::kIndexOnly);
 }
 
 namespace tabwerk {
 
-void TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
-  if (!ReadTag(source, kIdTag)) return;
+bool TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
+  if (!ReadTag(source, kIdTag)) return true;
   auto& ids = Ids(table);
   ids.Clear();
   bool const complete = Guarded(false, [&] {
@@ -156,17 +160,19 @@ void TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
     return true;
   });
   if (!complete) ids.Clear();
+  return complete;
 }
 
-void TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
+bool TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
                             RowUpdate update) {
-  if (!ReadTag(source, kFolgeTag)) return;
+  if (!ReadTag(source, kFolgeTag)) return true;
   auto& index = Folge(table);
-  Values const rows = ReadEntries(source, &index, -1);
+  Values rows;
+  bool const read = ReadEntries(source, &index, -1, &rows);
   bool const found = table.SelectColumn("FOLGE") == 1;
   if (update == RowUpdate::kIndexOnly) {
     std::copy(rows.begin(), rows.end(), index.begin());
-    return;
+    return read;
   }
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (table.SelectZeile(static_cast<long>(rows[i])) == 0) continue;
@@ -178,13 +184,15 @@ void TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
       (void)FollowValue(table, 0, folge);
     }
   }
+  return read;
 }
 
-void TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
+bool TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
                              RowUpdate update) {
-  if (!ReadTag(source, kStatusTag)) return;
+  if (!ReadTag(source, kStatusTag)) return true;
   auto& index = Status(table);
-  Values const values = ReadEntries(source, &index, 0);
+  Values values;
+  bool const read = ReadEntries(source, &index, 0, &values);
   bool const found = table.SelectColumn("STATUS") == 1;
   bool const index_only = update == RowUpdate::kIndexOnly;
   if (index_only) std::copy(values.begin(), values.end(), index.begin());
@@ -198,6 +206,7 @@ void TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
       (void)FollowValue(table, 0, values[i]);
     }
   }
+  return read;
 }
 
 }  // namespace tabwerk

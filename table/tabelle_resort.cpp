@@ -11,6 +11,7 @@
 #include "schema/bytes.h"
 #include "table/id_index.h"
 #include "table/row_walk.h"
+#include "table/table_access.h"
 
 using tabwerk::Column;
 using tabwerk::Guarded;
@@ -157,28 +158,35 @@ void Renumber(DBTabelle& table, IdIndex const& ids, Column folge_column,
 
 }  // namespace
 
-void DBTabelle::ResortIndexID() {
+void DBTabelle::ResortIndexID() { (void)tabwerk::TableAccess::Resort(*this); }
+
+bool tabwerk::TableAccess::Resort(DBTabelle& table) {
   // Kept: a missing column is not selected, the one before it stays.  From here
   // on nothing depends on the selection until the indices are built.
-  Column const id = tabwerk::SelectInteger(*this, "ID");
-  Column const status = tabwerk::SelectInteger(*this, "STATUS");
-  Column const folge = tabwerk::SelectInteger(*this, "FOLGE");
+  Column const id = tabwerk::SelectInteger(table, "ID");
+  Column const status = tabwerk::SelectInteger(table, "STATUS");
+  Column const folge = tabwerk::SelectInteger(table, "FOLGE");
   // Everything that needs memory comes before the first change.
   IdIndex fresh_ids;
   std::optional<MergedOrder> order;
+  Numbers fresh_folge;
+  Numbers fresh_status;
   bool const prepared = Guarded(false, [&] {
-    fresh_ids = tabwerk::IndexRows(*this, id);
-    order.emplace(RecordedOrder(*id_index_, folge_index_));
-    Numbers const field_order = FieldOrder(*this, id, folge);
+    fresh_ids = tabwerk::IndexRows(table, id);
+    order.emplace(RecordedOrder(*table.id_index_, table.folge_index_));
+    Numbers const field_order = FieldOrder(table, id, folge);
     for (std::size_t i = 1; i < field_order.size(); ++i) {
       order->Add(field_order[i]);
     }
+    fresh_status.resize(field_order.size() - 1, 0);
+    fresh_folge.resize(field_order.size(), -1);
     return true;
   });
-  if (!prepared) return;
-  RepairStatus(*this, id, status, *id_index_, status_index_);
-  *id_index_ = std::move(fresh_ids);
-  Renumber(*this, *id_index_, folge, status, *order);
-  MakeIndexStatus();
-  MakeIndexFolge();
+  if (!prepared) return false;
+  RepairStatus(table, id, status, *table.id_index_, table.status_index_);
+  *table.id_index_ = std::move(fresh_ids);
+  Renumber(table, *table.id_index_, folge, status, *order);
+  MakeStatus(table, std::move(fresh_status));
+  MakeFolge(table, std::move(fresh_folge));
+  return true;
 }

@@ -9,6 +9,7 @@
 #include "DBTabelle.h"
 #include "platform/guarded.h"
 #include "schema/bytes.h"
+#include "schema/layout.h"
 #include "schema/part.h"
 #include "table/id_index.h"
 #include "table/row_lookups.h"
@@ -51,13 +52,17 @@ std::optional<std::int32_t> AppendEmptyTexts(DBStringMemory* strings,
   return first;
 }
 
-// Integers and reals are zero; strings name the texts from first_text on.
+// Integers and reals are zero; strings name the texts from first_text on.  A
+// field that does not lie inside the record is left out.
 void FillRecord(std::byte* record, std::int32_t record_size,
                 DBFeld const* field, std::int32_t first_text) {
   std::memset(record, 0, static_cast<std::size_t>(record_size));
   for (; field != nullptr; field = field->next) {
     if (field->type != DBTypeString) continue;
-    tabwerk::StoreValue(record + field->offset, first_text++);
+    auto const text = first_text++;
+    if (tabwerk::LiesInRecord(field->type, field->offset, record_size)) {
+      tabwerk::StoreValue(record + field->offset, text);
+    }
   }
 }
 

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstring>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "DBTabelle.h"
@@ -15,23 +14,34 @@
 #include "table/id_index.h"
 #include "table/row_lookups.h"
 #include "table/row_walk.h"
+#include "table/table_access.h"
 #include "table/text_column.h"
 
 namespace {
 
 using tabwerk::ColumnMemory;
 using tabwerk::ColumnOf;
+using tabwerk::Guarded;
 using tabwerk::RowWalk;
+using tabwerk::TableAccess;
 using tabwerk::platform::ParseInt32;
 using tabwerk::platform::ParseReal;
 
 // Goes through the rows below limit until matches(walk) gives a result, and
-// selects the row where that was, or the last one.  0 without a result.
+// selects the row where that was, or the last one.  0 without a result.  What
+// matches throws passes; the row where it did is then selected.
 template <typename Matches>
 int Search(DBTabelle& table, std::int64_t limit, Matches const& matches) {
   RowWalk walk(table);
   std::optional<int> found;
-  while (!found && walk.row() + 1 < limit && walk.Next()) found = matches(walk);
+  try {
+    while (!found && walk.row() + 1 < limit && walk.Next()) {
+      found = matches(walk);
+    }
+  } catch (...) {
+    walk.Select();
+    throw;
+  }
   walk.Select();
   return found.value_or(0);
 }
@@ -49,20 +59,25 @@ int SearchNumber(DBTabelle& table, DBType type, Value value,
   });
 }
 
-// As a search over all rows would, but by what the table remembers of them.
-int SelectRemembered(DBTabelle& table, tabwerk::TextLookup const& texts,
-                     std::u16string_view text) {
-  auto const row = texts.Find(table, text);
-  RowWalk walk(table);
-  walk.MoveTo(row ? *row : tabwerk::CountRows(table) - 1);
-  walk.Select();
-  return row ? 1 : 0;
+// As a search over all rows would, but by what the table remembers of them;
+// nothing, and no other selection, when it remembers too little or memory is
+// exhausted.
+std::optional<int> SearchRemembered(DBTabelle& table,
+                                    std::u16string_view text) {
+  return Guarded(std::optional<int>(), [&]() -> std::optional<int> {
+    auto const* const texts = TableAccess::NeedLookups(table).TextsOf(
+        table, table.GetAktuelleFeldDef());
+    if (texts == nullptr) return std::nullopt;
+    auto const row = texts->Find(table, text);
+    RowWalk walk(table);
+    walk.MoveTo(row ? *row : tabwerk::CountRows(table) - 1);
+    walk.Select();
+    return row ? 1 : 0;
+  });
 }
 
 int SearchText(DBTabelle& table, std::u16string_view text) {
-  auto const* const texts = tabwerk::TableAccess::NeedLookups(table).TextsOf(
-      table, table.GetAktuelleFeldDef());
-  if (texts != nullptr) return SelectRemembered(table, *texts, text);
+  if (auto const found = SearchRemembered(table, text)) return *found;
   tabwerk::TextColumn column(table, table.GetAktuelleFeldDef());
   return Search(table, tabwerk::CountRows(table),
                 [&](RowWalk const& walk) -> std::optional<int> {
@@ -112,25 +127,28 @@ int DBTabelle::SelectZeile(char const* column, double value) {
 }
 
 int DBTabelle::SelectZeile(char const* column, wchar_t const* text) {
-  return tabwerk::Guarded(0, [&] {
+  return Guarded(0, [&] {
     zWString const searched(text);
-    ColumnMemory const memory(*this, column);
-    if (SelectColumn(column) == 0) return 0;
-    DBType const type = GetType();
-    if (!IsSearchable(type) || SelectZeile(0L) == 0) return 0;
-    auto const rows = tabwerk::CountRows(*this);
-    switch (type) {
-      case DBTypeReal:
-        return SearchNumber<double>(*this, type, ParseReal(searched.view()),
-                                    rows);
-      case DBTypeInteger:
-        return SearchNumber<std::int32_t>(*this, type,
-                                          ParseInt32(searched.view()), rows);
-      case DBTypeString:
-        return SearchText(*this, searched.view());
-      case DBTypeUnknown:
-        break;
-    }
-    return 0;
+    return TableAccess::SelectText(*this, column, searched.view());
   });
+}
+
+int tabwerk::TableAccess::SelectText(DBTabelle& table, char const* column,
+                                     std::u16string_view text) {
+  ColumnMemory const memory(table, column);
+  if (table.SelectColumn(column) == 0) return 0;
+  DBType const type = table.GetType();
+  if (!IsSearchable(type) || table.SelectZeile(0L) == 0) return 0;
+  auto const rows = CountRows(table);
+  switch (type) {
+    case DBTypeReal:
+      return SearchNumber<double>(table, type, ParseReal(text), rows);
+    case DBTypeInteger:
+      return SearchNumber<std::int32_t>(table, type, ParseInt32(text), rows);
+    case DBTypeString:
+      return SearchText(table, text);
+    case DBTypeUnknown:
+      break;
+  }
+  return 0;
 }

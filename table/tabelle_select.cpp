@@ -14,6 +14,8 @@
 #include "table/table_access.h"
 
 using tabwerk::CountRows;
+using tabwerk::Guarded;
+using tabwerk::RowLookups;
 using tabwerk::RowWalk;
 using tabwerk::TableAccess;
 
@@ -70,10 +72,15 @@ namespace {
 // The table is left as if every row had been selected in turn, up to the one
 // where the count ended.
 std::optional<int> CountActiveRows(DBTabelle& table) {
-  auto& lookups = TableAccess::NeedLookups(table);
-  if (auto const known = lookups.ActiveRows(table)) {
-    tabwerk::SelectEveryRow(table);
-    return known;
+  // Without memory nothing is remembered.
+  RowLookups* const lookups =
+      Guarded(static_cast<RowLookups*>(nullptr),
+              [&table] { return &TableAccess::NeedLookups(table); });
+  if (lookups != nullptr) {
+    if (auto const known = lookups->ActiveRows(table)) {
+      tabwerk::SelectEveryRow(table);
+      return known;
+    }
   }
   auto* const field = TableAccess::Field(table);
   auto const status = tabwerk::ColumnOf(table, field, DBTypeInteger);
@@ -88,29 +95,32 @@ std::optional<int> CountActiveRows(DBTabelle& table) {
     if (value == 0) ++count;
   }
   walk.Select();
-  if (status.offset >= 0) lookups.SetActiveRows(table, field, count);
+  if (lookups != nullptr && status.offset >= 0) {
+    (void)Guarded(false, [&] {
+      lookups->SetActiveRows(table, field, count);
+      return true;
+    });
+  }
   return count;
 }
 
 }  // namespace
 
 int DBTabelle::GetAnzahlAktiveZeilen() {
-  return tabwerk::Guarded(0, [&] {
-    char const* const column =
-        current_field_ == nullptr ? "ID" : current_field_->name;
-    long const row = current_row_;
-    int count = 0;
-    if (SelectColumn("STATUS") == 1) {
-      auto const counted = CountActiveRows(*this);
-      if (!counted) {
-        // Kept: on this path the row is not selected again.
-        SelectColumn(column);
-        return 0;
-      }
-      count = *counted;
+  char const* const column =
+      current_field_ == nullptr ? "ID" : current_field_->name;
+  long const row = current_row_;
+  int count = 0;
+  if (SelectColumn("STATUS") == 1) {
+    auto const counted = CountActiveRows(*this);
+    if (!counted) {
+      // Kept: on this path the row is not selected again.
+      SelectColumn(column);
+      return 0;
     }
-    SelectColumn(column);
-    SelectZeile(row);
-    return count;
-  });
+    count = *counted;
+  }
+  SelectColumn(column);
+  SelectZeile(row);
+  return count;
 }

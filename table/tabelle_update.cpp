@@ -11,12 +11,22 @@
 #include "platform/guarded.h"
 #include "platform/numbers.h"
 #include "table/sub_table.h"
+#include "table/table_access.h"
 
 namespace {
+
+using tabwerk::Guarded;
+using tabwerk::TableAccess;
 
 using Values = std::map<std::string, std::wstring>;
 
 constexpr long kStatusWithoutPlace = 2;
+
+// As mapGetString; throws std::bad_alloc.
+std::wstring ValueOf(Values const& values, std::string const& key) {
+  auto const found = values.find(key);
+  return found == values.end() ? std::wstring() : found->second;
+}
 
 // The row that is being written.
 //
@@ -25,14 +35,14 @@ constexpr long kStatusWithoutPlace = 2;
 // table, and hosts rely on that.
 class RowWriter {
  public:
-  RowWriter(DBTabelle& table, Values& values, DBTabelle::Action action)
+  RowWriter(DBTabelle& table, Values const& values, DBTabelle::Action action)
       : table_(table), values_(values), action_(action) {}
 
   bool Write(DBFeld const* fields);
 
  private:
   zWString Text(char const* key) {
-    return zWString(table_.mapGetString(values_, key).c_str());
+    return zWString(ValueOf(values_, key).c_str());
   }
   long Number(char const* key) {
     return tabwerk::platform::ParseInt32(Text(key).view());
@@ -47,7 +57,7 @@ class RowWriter {
   bool WriteByType(DBFeld const& field);
 
   DBTabelle& table_;
-  Values& values_;
+  Values const& values_;
   DBTabelle::Action action_;
   long row_id_ = 0;
 };
@@ -125,11 +135,14 @@ bool RowWriter::WriteStatus() {
 // Kept: the row that is being updated counts as taken, too, so an unchanged
 // name gets "_NEW" as well.
 bool RowWriter::WriteName(char const* column) {
-  std::wstring name(table_.mapGetString(values_, column).c_str());
-  while (table_.SelectZeile(column, name.c_str()) != 0) name += L"_NEW";
+  zWString name = Text(column);
+  // Not by SelectZeile: without memory that takes every name for a free one.
+  while (TableAccess::SelectText(table_, column, name.view()) != 0) {
+    name += zWString(u"_NEW");
+  }
   table_.SelectZeile("ID", row_id_);
   table_.SelectColumn(column);
-  return table_.SetWert(name.c_str()) != 0;
+  return table_.SetWert(name.utf16()) != 0;
 }
 
 bool RowWriter::WriteByType(DBFeld const& field) {
@@ -151,7 +164,7 @@ bool RowWriter::WriteByType(DBFeld const& field) {
 
 bool DBTabelle::SetZeileWerte(std::map<std::string, std::wstring>& values,
                               DBTabelle::Action action) {
-  return tabwerk::Guarded(false, [&] {
+  return Guarded(false, [&] {
     if (sub_tables_.empty()) return false;
     if (action != ActionUpdate && !NeueZeile(true)) return false;
     auto const& definition = *sub_tables_.front().entry->GetDefinition();
@@ -161,6 +174,5 @@ bool DBTabelle::SetZeileWerte(std::map<std::string, std::wstring>& values,
 
 std::wstring DBTabelle::mapGetString(
     std::map<std::string, std::wstring>& values, std::string key) {
-  auto const found = values.find(key);
-  return found == values.end() ? std::wstring() : found->second;
+  return Guarded(std::wstring(), [&] { return ValueOf(values, key); });
 }

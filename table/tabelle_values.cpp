@@ -21,6 +21,7 @@
 namespace {
 
 using tabwerk::Guarded;
+using tabwerk::RowLookups;
 using tabwerk::TableAccess;
 using tabwerk::TablePart;
 namespace format = tabwerk::format;
@@ -87,14 +88,17 @@ int SetText(DBTabelle& table, std::u16string_view text) {
   if (place == nullptr) return 0;
   TablePart& part = *selected->part;
   auto const old_index = tabwerk::LoadValue<std::int32_t>(place);
+  bool const same = part.strings->Text(old_index) == text;
   auto const index = StoreText(part.strings.get(), old_index, text);
   if (!index) return 0;
   tabwerk::StoreValue(place, *index);
   ++part.revision;
   if (auto* const lookups = TableAccess::Lookups(table)) {
+    using Change = RowLookups::TextChange;
+    auto const in_place = same ? Change::kNone : Change::kInPlace;
     lookups->TextSet(table, TableAccess::CurrentSubTable(table),
-                     selected->field, TableAccess::CurrentRow(table),
-                     *index != old_index);
+                     selected->field, TableAccess::ValueRow(table),
+                     *index == old_index ? in_place : Change::kAppended);
   }
   return 1;
 }

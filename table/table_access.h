@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <string_view>
 #include <vector>
 
 #include "DBTabelle.h"
@@ -34,6 +35,9 @@ struct TableAccess {
     return table.status_index_;
   }
   static long CurrentRow(DBTabelle const& table) { return table.current_row_; }
+  // Number over all parts of the row that is selected in the current part: the
+  // row whose values are read and set.  It differs from CurrentRow after Dump.
+  static std::int64_t ValueRow(DBTabelle& table) noexcept;
   static std::size_t CurrentSubTable(DBTabelle const& table) {
     return table.current_sub_table_;
   }
@@ -73,12 +77,26 @@ struct TableAccess {
   static bool FollowValue(DBTabelle& table, std::int32_t old_value,
                           std::int32_t value);
 
+  // As SelectZeile by a text; throws std::bad_alloc.
+  static int SelectText(DBTabelle& table, char const* column,
+                        std::u16string_view text);
+
   // Read one section of an index file, as the members of the same names do.
-  static void ReadIds(DBTabelle& table, SectionSource& source);
-  static void ReadFolge(DBTabelle& table, SectionSource& source,
+  // False when memory was exhausted: the index is then empty, the rows are as
+  // they were.  A wrong tag or a source that ends early gives true.
+  static bool ReadIds(DBTabelle& table, SectionSource& source);
+  static bool ReadFolge(DBTabelle& table, SectionSource& source,
                         RowUpdate update);
-  static void ReadStatus(DBTabelle& table, SectionSource& source,
+  static bool ReadStatus(DBTabelle& table, SectionSource& source,
                          RowUpdate update);
+
+  // As ResortIndexID.  False when memory was exhausted: rows and indices are
+  // then as they were.
+  static bool Resort(DBTabelle& table);
+  // As MakeIndexFolge and MakeIndexStatus, in a vector of the caller's that has
+  // as many entries as the index needs.
+  static void MakeFolge(DBTabelle& table, std::vector<std::int32_t> entries);
+  static void MakeStatus(DBTabelle& table, std::vector<std::int32_t> entries);
 
   // Writes the texts of a part's rows at the stream's position, each with a
   // copy of its own, in row and field order, and puts into *rows the part's row

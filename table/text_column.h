@@ -8,7 +8,6 @@
 
 #include "DBDefinition.h"
 #include "base/translation.h"
-#include "platform/guarded.h"
 #include "schema/part.h"
 #include "table/row_walk.h"
 
@@ -21,19 +20,15 @@ class TextColumn {
   TextColumn(DBTabelle& table, DBFeld const* field)
       : column_(ColumnOf(table, field, DBTypeString)) {}
 
-  // Text of the walk's present row; nothing when the column is no string, the
-  // row names no text, or memory is exhausted.  Valid until the next call.
+  // Text of the walk's present row; nothing when the column is no string or
+  // the row names no text.  Valid until the next call.  Throws std::bad_alloc.
   std::optional<std::u16string_view> Read(RowWalk const& walk) {
     std::int32_t index = 0;
     if (!walk.Read(column_, &index)) return std::nullopt;
     auto const text = walk.part().strings->Text(index);
     if (!text || !HasTranslation(*text)) return text;
-    bool const translated = Guarded(false, [&] {
-      translated_ = *text;
-      TranslateText(translated_);
-      return true;
-    });
-    if (!translated) return std::nullopt;
+    translated_ = *text;
+    TranslateText(translated_);
     return translated_;
   }
 

@@ -27,7 +27,7 @@ class TextLookup {
   // True for the language that was current when it was built.
   bool IsInCurrentLanguage() const noexcept;
 
-  // First row of the column with that text.
+  // First row of the column with that text.  Throws std::bad_alloc.
   std::optional<std::int32_t> Find(DBTabelle& table,
                                    std::u16string_view text) const;
 

@@ -253,7 +253,8 @@ TEST_F(ManagerReOpen, StopsAtTheFirstFailure) {
 }
 
 TEST_F(ManagerReOpen, WithoutDatabasesGivesAnEmptyManager) {
-  EXPECT_EQ(Manager(), DBbase::ReOpen(true));
+  auto* const fresh = DBbase::ReOpen(true);
+  EXPECT_EQ(Manager(), fresh);
 }
 
 // Part positions stay those of the files whatever a file lacks.

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "DBDirectory.h"
 #include "platform/platform.h"
@@ -118,6 +119,29 @@ TEST_F(DirectoryFiles, OpenForReadingKeepsNobodyOut) {
   EXPECT_TRUE(AllowsReading("A"));
   EXPECT_TRUE(AllowsWriting("A"));
   EXPECT_FALSE(Allows("A", Mode::kCreate, Share::kDenyAll));
+}
+
+// Without it a file written in the second of the old one would repeat its
+// stamp, and an index file of the old one would seem to belong to it.
+TEST_F(DirectoryFiles, FileThatIsEmptiedGivesItsTimeStampToTheNextOne) {
+  folder_.WriteBytes("A", FileWith({{"T", 1}}, 5000000000));
+  EXPECT_TRUE(directory_.OpenDBdatei(0, true, true));
+  EXPECT_EQ(5000000001, DirectoryAccess::NextTimeStamp(directory_, 0));
+  EXPECT_EQ((std::vector<long long>{0, 0}), directory_.GetTimeStamps());
+  // The larger one of the emptied file and the one that was read before.
+  Record(0).time_stamp = 6000000000;
+  EXPECT_EQ(6000000001, DirectoryAccess::NextTimeStamp(directory_, 0));
+}
+
+TEST_F(DirectoryFiles, MissingOrUnreadableFileHasNoTimeStampToGive) {
+  folder_.WriteBytes("A", "a text");
+  Record(0).replaced_time_stamp = 7000000000;
+  EXPECT_TRUE(directory_.OpenDBdatei(0, true, true));
+  EXPECT_EQ(0, Record(0).replaced_time_stamp);
+  Initialize(&directory_, folder_, {"NEW"});
+  EXPECT_TRUE(directory_.OpenDBdatei(0, true, true));
+  EXPECT_EQ(0, Record(0).replaced_time_stamp);
+  EXPECT_TRUE(folder_.Exists("NEW"));
 }
 
 TEST_F(DirectoryFiles, CreateAloneOpensForReading) {

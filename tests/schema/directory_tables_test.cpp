@@ -290,6 +290,28 @@ TEST_F(DirectoryTables, AdjustOffsetDoesNotOverflow) {
             Numbers(directory_, "T2"));
 }
 
+// A table that remembers its rows learns that there are none any more.
+TEST_F(DirectoryTables, AdjustOffsetThatDamagesAPartChangesItsRevision) {
+  Add("T1", 0, 0x7ffffff0, 5);
+  Add("T2", 0, 5, 5);
+  auto const revision = [this](char const* name) {
+    return DirectoryAccess::Part(*Entry(name), 0)->revision;
+  };
+  auto const damaged = revision("T1");
+  auto const sound = revision("T2");
+  EXPECT_EQ(1, directory_.AdjustOffset(100, 0));
+  EXPECT_NE(damaged, revision("T1"));
+  EXPECT_EQ(sound, revision("T2"));
+}
+
+TEST_F(DirectoryTables, NegativeRowCountShowsNoRows) {
+  EXPECT_EQ(1, Add("T1", -3));
+  EXPECT_EQ(-3, Entry("T1")->GetPartRows(0));
+  EXPECT_EQ(0, DirectoryAccess::Part(*Entry("T1"), 0)->Rows());
+  ASSERT_TRUE(directory_.SelectTabelle("T1"));
+  EXPECT_EQ(0, directory_.GetAnzahlZeilen());
+}
+
 TEST_F(DirectoryTables, PadPartsGivesEveryTableAPart) {
   Make({{{"T1", 1}, {"T2", 2}}, {{"T2", 3}}});
   EXPECT_EQ("11", OpenAll());

@@ -153,7 +153,9 @@ TEST_F(LookupsMemory, TranslatedTextIsFoundOrTheSearchFails) {
       Nothing,
       [](DBTabelle& table) { return Answer(table.SelectZeile("NAME", kLong)); },
       [](std::string const& answer, bool fired, TestTable& /*t*/) {
-        if (!fired) EXPECT_EQ("1", answer);
+        if (!fired) {
+          EXPECT_EQ("1", answer);
+        }
       });
 }
 
@@ -190,7 +192,9 @@ TEST_F(LookupsMemory, WrittenNameStaysUnique) {
               table.SetZeileWerte(values, DBTabelle::ActionAppend) ? 1 : 0);
         },
         [](std::string const& answer, bool fired, TestTable& t) {
-          if (!fired) EXPECT_EQ("1", answer);
+          if (!fired) {
+            EXPECT_EQ("1", answer);
+          }
           std::string const rows = Rows(*t.entry, 1);
           std::string const name = "Bertil, whose name is a long one";
           EXPECT_EQ(std::string::npos, rows.find(name + "|")) << rows;

@@ -59,8 +59,8 @@ std::wstring RandomText(std::mt19937* random) {
                                               L"Bert",
                                               L"a much longer text",
                                               L"y",
-                                              L"#TS(Bert\u00AC"
-                                              L"Bertil)TS~",
+                                              (L"#TS(Bert\u00AC"
+                                               L"Bertil)TS~"),
                                               L"Bertil",
                                               L"x"};
   return kTexts[(*random)() % std::size(kTexts)];
@@ -223,6 +223,37 @@ TEST_F(Lookups, NoticeTextsThatRowsShare) {
   table_.SelectZeile(1L);
   EXPECT_EQ(1, table_.SetWert(L"Eva"));
   EXPECT_EQ("1 NAME@0", Search("NAME", L"Eva"));
+}
+
+TEST_F(Lookups, NoticeTextsThatBeginInsideAnother) {
+  auto& part = made_.Part(0);
+  auto const record =
+      static_cast<std::int32_t>(made_.entry->GetDefinition()->GetMemorySize());
+  auto const first = LoadValue<std::int32_t>(part.Row(0, record) + kName);
+  StoreValue(part.Row(1, record) + kName, first + 1);
+  ++part.revision;
+  Search("NAME", L"nna");
+  EXPECT_EQ("1 NAME@1", Search("NAME", L"nna"));
+  table_.SelectColumn("NAME");
+  table_.SelectZeile(0L);
+  EXPECT_EQ(1, table_.SetWert(L"Eva"));
+  EXPECT_EQ("1 NAME@1", Search("NAME", L"va"));
+}
+
+// Both rows name the place where the next text will go.
+TEST_F(Lookups, NoticeTextsThatComeToLieBehindTheEnd) {
+  auto& part = made_.Part(0);
+  auto const record =
+      static_cast<std::int32_t>(made_.entry->GetDefinition()->GetMemorySize());
+  auto const end = static_cast<std::int32_t>(part.strings->count());
+  StoreValue(part.Row(1, record) + kName, end);
+  ++part.revision;
+  Search("NAME", L"Caroline");
+  EXPECT_EQ("0 NAME@3", Search("NAME", L"Caroline"));
+  table_.SelectColumn("NAME");
+  table_.SelectZeile(2L);
+  EXPECT_EQ(1, table_.SetWert(L"Caroline"));
+  EXPECT_EQ("1 NAME@1", Search("NAME", L"Caroline"));
 }
 
 }  // namespace

@@ -30,6 +30,19 @@ TEST_F(RowParts, NewRowOfThreePartsGoesIntoTheSecond) {
   EXPECT_EQ("third", Value(t.table));
 }
 
+// A directory takes an entry with any number of rows.
+TEST_F(RowParts, PartWithANegativeRowCountHidesNoRowsOfOthers) {
+  TestTable t("integer ID,string NAME\n", 2);
+  t.Part(0).row_count = -3;
+  t.AddRow(1, "2|second");
+  EXPECT_EQ(1, t.table.GetAnzahlZeilen());
+  EXPECT_EQ(1, t.table.SelectZeile(0L));
+  t.table.SelectColumn("NAME");
+  EXPECT_EQ("second", Value(t.table));
+  EXPECT_EQ(1, t.table.SelectZeile("NAME", L"second"));
+  EXPECT_FALSE(t.table.NeueZeile(false));
+}
+
 // The next columns go into the row that the index names for the ID: row 0.
 TEST_F(RowParts, InsertTakesAnIdThatGetRowByIdEnteredForGivenAway) {
   auto const t = Make(kUsual, {"1|1|0|N1"});
