@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "DBTabelle.h"
 #include "platform/guarded.h"
@@ -49,6 +50,23 @@ std::u16string ValueText(TablePart& part, std::int32_t row,
   return {};
 }
 
+// Puts the line of one row into *line and leaves the accessor on that row and
+// on the last field that has a name.
+void MakeLine(DBSubTable& sub_table, std::int32_t row, DBDefinition& definition,
+              std::u16string_view separator, std::u16string* line) {
+  sub_table.row = row;
+  line->clear();
+  for (auto* field = definition.GetDefinition(); field != nullptr;
+       field = field->next) {
+    if (field->name[0] != '\0') {
+      sub_table.field = field;
+      *line += ValueText(*sub_table.part, row, definition, *field);
+    }
+    if (field->next != nullptr) *line += separator;
+  }
+  *line += u'\n';
+}
+
 }  // namespace
 
 int DBTabelle::Dump(FILE* stream, wchar_t* separator, bool user) {
@@ -60,20 +78,10 @@ int DBTabelle::Dump(FILE* stream, wchar_t* separator, bool user) {
   DBSubTable& sub_table = sub_tables_[index];
   auto const row_count = sub_table.part->Rows();
   return tabwerk::Guarded(0, [&] {
-    std::u16string const between(zWString(separator).view());
+    zWString const between(separator);
     std::u16string line;
     for (std::int32_t row = 0; row < row_count; ++row) {
-      sub_table.row = row;
-      line.clear();
-      for (auto* field = definition_->GetDefinition(); field != nullptr;
-           field = field->next) {
-        if (field->name[0] != '\0') {
-          sub_table.field = field;
-          line += ValueText(*sub_table.part, row, *definition_, *field);
-        }
-        if (field->next != nullptr) line += between;
-      }
-      line += u'\n';
+      MakeLine(sub_table, row, *definition_, between.view(), &line);
       // Not examined, as write errors never were here: the host sees them in
       // its stream.
       (void)tabwerk::platform::WriteText(stream, line);

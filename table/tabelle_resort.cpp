@@ -14,7 +14,6 @@
 #include "table/table_access.h"
 
 using tabwerk::Column;
-using tabwerk::Guarded;
 using tabwerk::IdIndex;
 using tabwerk::RowWalk;
 
