@@ -1,6 +1,6 @@
 #include "tests/cli/run_tool.h"
 
-#include "tests/support/scratch_folder.h"
+#include "tests/support/temp_folder.h"
 #include "ztypes.h"
 
 #ifdef _WIN32
@@ -44,7 +44,7 @@ HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
 
 ToolRun RunTool(std::filesystem::path const& folder,
                 std::vector<std::string> const& arguments) {
-  ScratchFolder const streams;
+  TempFolder const streams;
   std::wstring line = Quoted(TABWERK_TEST_TOOL);
   for (std::string const& argument : arguments) line += L" " + Quoted(argument);
 
@@ -105,7 +105,7 @@ int WaitFor(pid_t process) {
 
 ToolRun RunToolInto(char const* output, std::filesystem::path const& folder,
                     std::vector<std::string> const& arguments) {
-  ScratchFolder const streams;
+  TempFolder const streams;
   pid_t const process = fork();
   if (process == 0) {
     Redirect("/dev/null", O_RDONLY, STDIN_FILENO);

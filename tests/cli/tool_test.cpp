@@ -19,7 +19,7 @@ ToolRun ToolTest::Run(std::vector<std::string> const& arguments) const {
   return RunTool(folder_.folder(), arguments);
 }
 
-void ToolTest::MakeUnits(std::string_view name, std::string_view utf8,
+void ToolTest::MakeUnits(std::string const& name, std::string_view utf8,
                          bool with_mark) const {
   std::string bytes = with_mark ? "\xFF\xFE" : "";
   zWString const text = zWString::fromUtf8(utf8);
@@ -30,12 +30,12 @@ void ToolTest::MakeUnits(std::string_view name, std::string_view utf8,
   folder_.Make(name, bytes);
 }
 
-void ToolTest::MakeDatabase(std::string_view name,
+void ToolTest::MakeDatabase(std::string const& name,
                             PlainDatabase const& database) const {
   folder_.Make(name, AsText(EncodeDatabase(database)));
 }
 
-std::string ToolTest::Rows(std::string_view name,
+std::string ToolTest::Rows(std::string const& name,
                            std::string const& table) const {
   std::string const bytes = folder_.Content(name);
   auto const database = DecodeDatabase({bytes.begin(), bytes.end()});

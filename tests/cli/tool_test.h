@@ -10,7 +10,7 @@
 
 #include "tests/cli/run_tool.h"
 #include "tests/support/plain_database.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 
@@ -19,11 +19,12 @@ class ToolTest : public testing::Test {
   ToolRun Run(std::vector<std::string> const& arguments) const;
 
   // A text file in UTF-16LE.
-  void MakeUnits(std::string_view name, std::string_view utf8,
+  void MakeUnits(std::string const& name, std::string_view utf8,
                  bool with_mark = true) const;
-  void MakeDatabase(std::string_view name, PlainDatabase const& database) const;
+  void MakeDatabase(std::string const& name,
+                    PlainDatabase const& database) const;
   // "[1|Anna][2|Bert]" of a table in a file.
-  std::string Rows(std::string_view name, std::string const& table) const;
+  std::string Rows(std::string const& name, std::string const& table) const;
 
   // stock.db with the table ARTICLE (ID, FOLGE, STATUS, NAME, PRICE), which has
   // two rows, and the table EMPTY; STOCK.UDB with the same tables and one row
@@ -35,7 +36,7 @@ class ToolTest : public testing::Test {
   // Names, bytes and times of all files in the folder.
   std::string Snapshot() const;
 
-  ScratchFolder folder_;
+  TempFolder folder_;
 };
 
 }  // namespace tabwerk::test

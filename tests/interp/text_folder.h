@@ -2,11 +2,10 @@
 #ifndef TABWERK_TESTS_INTERP_TEXT_FOLDER_H
 #define TABWERK_TESTS_INTERP_TEXT_FOLDER_H
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
+
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 
@@ -20,30 +19,15 @@ inline std::string Utf16Bytes(std::u16string_view text) {
   return bytes;
 }
 
-// A folder of its own that goes away with its files.
+// A folder of its own; paths and bytes are std::string.
 class TextFolder {
  public:
-  TextFolder() {
-    static int number = 0;
-    auto const base = std::filesystem::temp_directory_path();
-    do {
-      folder_ = base / ("tabwerk_interp_" + std::to_string(++number));
-    } while (!std::filesystem::create_directory(folder_));
-  }
-  ~TextFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  TextFolder(TextFolder const&) = delete;
-  TextFolder& operator=(TextFolder const&) = delete;
-
   std::string Path(std::string const& name) const {
-    return (folder_ / name).string();
+    return folder_.PathUtf8(name);
   }
   // Each writes a file and returns its path.
   std::string Bytes(std::string const& name, std::string_view bytes) const {
-    std::ofstream file(Path(name), std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    folder_.WriteBytes(name, bytes);
     return Path(name);
   }
   // Behind a byte-order mark.
@@ -54,16 +38,9 @@ class TextFolder {
                        std::u16string_view text) const {
     return Bytes(name, Utf16Bytes(text));
   }
-  bool Has(std::string const& name) const {
-    return std::filesystem::exists(folder_ / name);
-  }
-  std::string Content(std::string const& name) const {
-    std::ifstream file(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
 
  private:
-  std::filesystem::path folder_;
+  TempFolder folder_;
 };
 
 }  // namespace tabwerk::test

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/child_process.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 namespace {
@@ -37,7 +37,7 @@ class FaultPlatform : public testing::Test {
  protected:
   ~FaultPlatform() override { EXPECT_EQ(0, OpenStreams()); }
 
-  ScratchFolder folder_;
+  TempFolder folder_;
   zWString path_ = folder_.Path("A.UDB");
 };
 

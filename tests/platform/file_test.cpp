@@ -3,7 +3,7 @@
 
 #include "platform/platform.h"
 #include "tests/support/fault_platform.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 namespace {
@@ -41,7 +41,7 @@ class PlatformFile : public testing::Test {
     return platform::Write(stream, text.data(), text.size()) == text.size();
   }
 
-  ScratchFolder folder_;
+  TempFolder folder_;
   Error error_ = Error::kNone;
 };
 

@@ -12,7 +12,7 @@
 #include "platform/numbers.h"
 #include "platform/platform.h"
 #include "tests/support/fault_platform.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 namespace {
@@ -25,11 +25,11 @@ class LinuxFile : public testing::Test {
  protected:
   ~LinuxFile() override { EXPECT_EQ(0, OpenStreams()); }
 
-  std::string Native(std::string_view name) {
+  std::string Native(std::string const& name) {
     return folder_.Path(name).toUtf8();
   }
 
-  unsigned Permissions(std::string_view name) {
+  unsigned Permissions(std::string const& name) {
     struct stat status = {};
     return stat(Native(name).c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
   }
@@ -44,7 +44,7 @@ class LinuxFile : public testing::Test {
     return error;
   }
 
-  ScratchFolder folder_;
+  TempFolder folder_;
 };
 
 TEST_F(LinuxFile, PipesAndDevicesAreRefusedWithoutWaiting) {

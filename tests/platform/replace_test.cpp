@@ -6,7 +6,7 @@
 
 #include "platform/platform.h"
 #include "tests/support/fault_platform.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 namespace {
@@ -24,7 +24,7 @@ class PlatformReplace : public testing::Test {
     return platform::OpenFile(path, Mode::kRead, Share::kDenyNone, &error);
   }
 
-  ScratchFolder folder_;
+  TempFolder folder_;
   zWString from_ = folder_.Make("new", "new content");
   zWString to_ = folder_.Path("target");
 };

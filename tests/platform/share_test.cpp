@@ -6,7 +6,7 @@
 #include "platform/platform.h"
 #include "tests/support/child_process.h"
 #include "tests/support/fault_platform.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 namespace {
@@ -97,7 +97,7 @@ class ShareMode : public testing::Test {
     return answers;
   }
 
-  ScratchFolder folder_;
+  TempFolder folder_;
   zWString path_ = folder_.Make("A.UDB", "content");
 };
 

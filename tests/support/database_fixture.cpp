@@ -1,29 +1,9 @@
 #include "tests/support/database_fixture.h"
 
-#include <algorithm>
-#include <atomic>
-#include <filesystem>
-
 #include "tests/support/fault_platform.h"
-
-namespace fs = std::filesystem;
 
 namespace tabwerk::test {
 namespace {
-
-std::string NewFolder() {
-  static std::atomic<int> number{0};
-  auto const base = fs::temp_directory_path();
-  for (;;) {
-    auto const folder =
-        base / ("tabwerk_test_" +
-                std::to_string(std::filesystem::file_time_type::clock::now()
-                                   .time_since_epoch()
-                                   .count()) +
-                "_" + std::to_string(++number));
-    if (fs::create_directory(folder)) return folder.string();
-  }
-}
 
 std::string ValueText(DBTabelle& table) {
   long integer = 0;
@@ -39,7 +19,7 @@ std::string ValueText(DBTabelle& table) {
 
 zWString W(std::string const& utf8) { return zWString::fromUtf8(utf8); }
 
-DatabaseTest::DatabaseTest() : folder_(NewFolder()) {
+DatabaseTest::DatabaseTest() {
   DBbase::Init({}, {});
   DBbase::SetSprache(0);
 }
@@ -49,26 +29,21 @@ DatabaseTest::~DatabaseTest() {
   DBbase::SetSprache(0);
   zSplashMessage::GetSplashMessage()->SetCallback(nullptr, nullptr);
   EXPECT_EQ(0, OpenStreams());
-  std::error_code ignored;  // what cannot be removed is left to the system
-  fs::remove_all(folder_, ignored);
 }
 
 std::string DatabaseTest::Path(std::string const& name) const {
-  return (fs::path(folder_) / name).string();
+  return folder_.PathUtf8(name);
 }
 
 bool DatabaseTest::FileExists(std::string const& name) const {
-  return fs::exists(Path(name));
+  return folder_.Exists(name);
 }
 
 std::string DatabaseTest::Files() const {
-  std::vector<std::string> names;
-  for (auto const& file : fs::directory_iterator(folder_)) {
-    names.push_back(file.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
   std::string text;
-  for (auto const& name : names) text += (text.empty() ? "" : " ") + name;
+  for (auto const& name : folder_.Names()) {
+    text += (text.empty() ? "" : " ") + name;
+  }
   return text;
 }
 

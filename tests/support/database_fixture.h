@@ -9,6 +9,7 @@
 
 #include "DBbase.h"
 #include "tests/support/plain_database.h"
+#include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
 
@@ -58,7 +59,7 @@ class DatabaseTest : public testing::Test {
       "integer ID,integer FOLGE,integer STATUS,string NAME\n";
 
  private:
-  std::string folder_;
+  TempFolder folder_;
 };
 
 }  // namespace tabwerk::test

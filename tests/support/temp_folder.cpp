@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <random>
-#include <set>
 #include <system_error>
 
 namespace tabwerk::test {
@@ -13,12 +13,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr fs::perms kWriters =
+    fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+
 fs::path FromUtf8(std::string const& text) {
   return fs::path(std::u8string(text.begin(), text.end()));
 }
 
 std::string ToUtf8(fs::path const& path) {
-  std::u8string const text = path.generic_u8string();
+  std::u8string const text = path.u8string();
   return std::string(text.begin(), text.end());
 }
 
@@ -75,35 +78,48 @@ void TempFolder::WriteBytes(std::string const& name,
   EXPECT_TRUE(file && !error) << "cannot write " << name;
 }
 
+zWString TempFolder::Make(std::string const& name,
+                          std::string_view bytes) const {
+  WriteBytes(name, bytes);
+  return Path(name);
+}
+
+void TempFolder::MakeFolder(std::string const& name) const {
+  EXPECT_TRUE(fs::create_directory(At(name))) << "cannot make " << name;
+}
+
 std::string TempFolder::ReadBytes(std::string const& name) const {
   std::ifstream file(At(name), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string TempFolder::Content(std::string const& name) const {
+  return Exists(name) ? ReadBytes(name) : "(none)";
 }
 
 bool TempFolder::Exists(std::string const& name) const {
   return fs::exists(At(name));
 }
 
-void TempFolder::Remove(std::string const& name) const {
-  EXPECT_TRUE(fs::remove(At(name))) << "cannot remove " << name;
+void TempFolder::SetReadOnly(std::string const& name, bool read_only) const {
+  if (read_only) {
+    fs::permissions(At(name), kWriters, fs::perm_options::remove);
+  } else {
+    fs::permissions(At(name), fs::perms::owner_write, fs::perm_options::add);
+  }
 }
 
-void TempFolder::SetReadOnly(std::string const& name) const {
-  constexpr fs::perms kWriters =
-      fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-  fs::permissions(At(name), kWriters, fs::perm_options::remove);
+bool TempFolder::IsReadOnly(std::string const& name) const {
+  return (fs::status(At(name)).permissions() & kWriters) == fs::perms::none;
 }
 
-std::string TempFolder::Files() const {
-  std::set<std::string> names;
+std::vector<std::string> TempFolder::Names() const {
+  std::vector<std::string> names;
   for (auto const& entry : fs::directory_iterator(folder_)) {
-    names.insert(ToUtf8(entry.path().filename()));
+    names.push_back(ToUtf8(entry.path().filename()));
   }
-  std::string list;
-  for (std::string const& name : names) {
-    list += (list.empty() ? "" : " ") + name;
-  }
-  return list;
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 }  // namespace tabwerk::test
