@@ -1,5 +1,6 @@
 #include "tests/cli/run_tool.h"
 
+#include "tests/support/places.h"
 #include "tests/support/temp_folder.h"
 #include "ztypes.h"
 
@@ -45,7 +46,7 @@ HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
 ToolRun RunTool(std::filesystem::path const& folder,
                 std::vector<std::string> const& arguments) {
   TempFolder const streams;
-  std::wstring line = Quoted(TABWERK_TEST_TOOL);
+  std::wstring line = Quoted(ToolPath());
   for (std::string const& argument : arguments) line += L" " + Quoted(argument);
 
   STARTUPINFOW start = {};
@@ -80,12 +81,12 @@ namespace {
 
 [[noreturn]] void BecomeTool(std::filesystem::path const& folder,
                              std::vector<std::string> const& arguments) {
-  std::vector<std::string> words = {TABWERK_TEST_TOOL};
+  std::vector<std::string> words = {ToolPath()};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
-  if (chdir(folder.c_str()) == 0) execv(TABWERK_TEST_TOOL, pointers.data());
+  if (chdir(folder.c_str()) == 0) execv(pointers.front(), pointers.data());
   _exit(127);
 }
 

@@ -5,6 +5,7 @@
 
 #include "tests/support/database_fixture.h"
 #include "tests/support/hex_file.h"
+#include "tests/support/places.h"
 
 namespace tabwerk::test {
 namespace {
@@ -13,7 +14,7 @@ class FormatPage : public DatabaseTest {
  protected:
   // The bytes of the page's block "```hex NAME".
   static std::vector<unsigned char> OnPage(std::string const& name) {
-    auto const file = ReadFileBytes(TABWERK_TEST_ROOT "/docs/format.md");
+    auto const file = ReadFileBytes(ProjectPath("docs/format.md"));
     std::string const page(file.begin(), file.end());
     auto const start = page.find("hex " + name + "\n");
     EXPECT_NE(std::string::npos, start) << name;

@@ -8,6 +8,7 @@
 
 #include "DBInterpreter.h"
 #include "tests/support/database_fixture.h"
+#include "tests/support/places.h"
 
 namespace tabwerk::test {
 namespace {
@@ -27,7 +28,7 @@ std::string SumOf(std::vector<unsigned char> const& bytes) {
 class SameBytes : public DatabaseTest {
  protected:
   SameBytes() : before_(fs::current_path()) {
-    fs::path const source = TABWERK_TEST_ROOT "/examples/reference";
+    fs::path const source = ProjectPath("examples/reference");
     for (auto const* name : {"geo.script", "user.script", "territory.dat",
                              "currency.dat", "language.dat", "version.dat"}) {
       fs::copy_file(source / name, Path(name));

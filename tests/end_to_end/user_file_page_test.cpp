@@ -18,6 +18,7 @@
 #include "tabwerk.h"
 #include "tests/support/child_process.h"
 #include "tests/support/database_fixture.h"
+#include "tests/support/places.h"
 
 namespace {
 
@@ -247,7 +248,7 @@ namespace tabwerk::test {
 namespace {
 
 std::string ReadText(std::string const& file) {
-  auto const bytes = ReadFileBytes(std::string(TABWERK_TEST_ROOT) + "/" + file);
+  auto const bytes = ReadFileBytes(ProjectPath(file));
   std::string text(bytes.begin(), bytes.end());
   text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
   return text;

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/support/places.h"
+
 namespace tabwerk::test {
 namespace {
 
@@ -44,7 +46,7 @@ std::string BytesOfHex(std::string_view text, bool* sound) {
 }
 
 std::string HexFile(std::string const& name) {
-  std::string const path = TABWERK_TEST_DATA "/" + name + ".hex";
+  std::string const path = ProjectPath("tests/data/" + name + ".hex");
   std::ifstream file(path, std::ios::binary);
   std::string const text{std::istreambuf_iterator<char>(file), {}};
   bool sound = false;
