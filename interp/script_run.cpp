@@ -69,7 +69,7 @@ bool ScriptRun::Execute(ScriptReader& script) {
   return !script.Failed();
 }
 
-bool ScriptRun::ExecuteStatement(std::string_view keyword, Words words,
+bool ScriptRun::ExecuteStatement(std::string_view keyword, Words const& words,
                                  ScriptReader& script) {
   if (keyword == "NEWDATABASE") return NewDatabase(words);
   if (keyword == "NEWTABLE") return NewTable(words, script);

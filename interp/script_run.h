@@ -44,7 +44,7 @@ class ScriptRun {
   zWString const& ReadVersion() const { return read_version_; }
 
  private:
-  bool ExecuteStatement(std::string_view keyword, Words words,
+  bool ExecuteStatement(std::string_view keyword, Words const& words,
                         ScriptReader& script);
   bool NewDatabase(Words words);
   bool NewTable(Words words, ScriptReader& script);
