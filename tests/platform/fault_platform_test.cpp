@@ -63,6 +63,31 @@ TEST_F(FaultPlatform, FailedWriteTakesHalf) {
   EXPECT_EQ("abc", folder_.Content("A.UDB"));
 }
 
+TEST_F(FaultPlatform, FailedCallGivesThePortionAsked) {
+  struct Case {
+    Portion portion;
+    char const* content;
+  };
+  for (auto const& [portion, content] :
+       {Case{Portion::kNothing, "ab"}, Case{Portion::kOneByte, "abc"},
+        Case{Portion::kAllButOne, "abc"}}) {
+    FaultGuard faults;
+    faults.FailAt(2, Lasting::kOnce, Only(Call::kWrite), Error::kDiskFull,
+                  portion);
+    EXPECT_FALSE(WriteFile(path_));
+    EXPECT_EQ(content, folder_.Content("A.UDB"));
+    EXPECT_EQ(Only(Call::kWrite), faults.FirstFailed());
+  }
+}
+
+TEST_F(FaultPlatform, NobodyWaitsOnceCallsFailForGood) {
+  constexpr int kHour = 3600000;
+  FaultGuard faults;
+  faults.FailAt(1, Lasting::kForGood, kFileCalls, Error::kHeld);
+  EXPECT_EQ(Error::kHeld, platform::Delete(path_));
+  platform::Pause(kHour);
+}
+
 TEST_F(FaultPlatform, LastingFailureLastsUntilDisarmed) {
   FaultGuard faults;
   faults.FailAt(1, Lasting::kForGood, kFileCalls, Error::kDiskFull);

@@ -1,5 +1,6 @@
 #include "tests/support/fault_platform.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <set>
@@ -16,12 +17,14 @@ struct Plan {
   bool kills = false;
   bool lasting = false;
   platform::Error error = platform::Error::kInputOutput;
+  Portion portion = Portion::kHalf;
 };
 
 struct State {
   bool guarded = false;
   bool failing = false;  // a lasting failure has begun
   bool fired = false;
+  CallSet first_failed = 0;
   Plan plan;
   std::array<std::int64_t, kCallKinds> counts = {};
   std::vector<std::string> trace;
@@ -56,6 +59,7 @@ bool MustFail(Call call) {
     EndAtOnce(kKilledExitCode);
   }
   state.fired = true;
+  state.first_failed = Only(call);
   state.failing = plan.lasting;
   return true;
 }
@@ -77,6 +81,21 @@ FILE* Opened(FILE* stream) {
   return stream;
 }
 
+// What a failing call does of that many bytes or units.
+std::size_t PortionOf(std::size_t size) {
+  switch (TheState().plan.portion) {
+    case Portion::kNothing:
+      return 0;
+    case Portion::kOneByte:
+      return std::min<std::size_t>(size, 1);
+    case Portion::kAllButOne:
+      return size - std::min<std::size_t>(size, 1);
+    case Portion::kHalf:
+      break;
+  }
+  return size / 2;
+}
+
 void MarkFailed(FILE* stream) { TheState().failed_streams.insert(stream); }
 
 void* Taken(void* block) {
@@ -92,6 +111,7 @@ FaultGuard::FaultGuard() {
   state.guarded = true;
   state.failing = false;
   state.fired = false;
+  state.first_failed = 0;
   state.plan = Plan();
   state.counts = {};
   state.trace.clear();
@@ -107,15 +127,16 @@ FaultGuard::~FaultGuard() {
 }
 
 void FaultGuard::FailAt(std::int64_t n, Lasting lasting, CallSet calls,
-                        platform::Error error) {
+                        platform::Error error, Portion portion) {
   State& state = TheState();
   state.failing = false;
   state.fired = false;
-  state.plan = {n, calls, false, lasting == Lasting::kForGood, error};
+  state.first_failed = 0;
+  state.plan = {n, calls, false, lasting == Lasting::kForGood, error, portion};
 }
 
 void FaultGuard::KillAt(std::int64_t n, CallSet calls) {
-  TheState().plan = {n, calls, true, false, platform::Error::kInputOutput};
+  TheState().plan = Plan{.calls_left = n, .calls = calls, .kills = true};
 }
 
 void FaultGuard::Disarm() {
@@ -124,6 +145,8 @@ void FaultGuard::Disarm() {
 }
 
 bool FaultGuard::Fired() const { return TheState().fired; }
+
+CallSet FaultGuard::FirstFailed() const { return TheState().first_failed; }
 
 std::int64_t FaultGuard::Count(CallSet calls) const {
   std::int64_t sum = 0;
@@ -169,7 +192,7 @@ FILE* OpenPlain(char const* path, char const* mode) {
 std::size_t Read(FILE* stream, void* bytes, std::size_t size) {
   if (MustFail(Call::kRead)) {
     MarkFailed(stream);
-    return os::Read(stream, bytes, size / 2);
+    return os::Read(stream, bytes, test::PortionOf(size));
   }
   return os::Read(stream, bytes, size);
 }
@@ -177,13 +200,19 @@ std::size_t Read(FILE* stream, void* bytes, std::size_t size) {
 std::size_t Write(FILE* stream, void const* bytes, std::size_t size) {
   if (MustFail(Call::kWrite)) {
     MarkFailed(stream);
-    return os::Write(stream, bytes, size / 2);
+    return os::Write(stream, bytes, test::PortionOf(size));
   }
   return os::Write(stream, bytes, size);
 }
 
 bool WriteText(FILE* stream, std::u16string_view text) {
-  return !MustFail(Call::kWrite) && os::WriteText(stream, text);
+  if (MustFail(Call::kWrite)) {
+    MarkFailed(stream);
+    static_cast<void>(
+        os::WriteText(stream, text.substr(0, test::PortionOf(text.size()))));
+    return false;
+  }
+  return os::WriteText(stream, text);
 }
 
 bool Seek(FILE* stream, std::int64_t offset, Origin origin) {
@@ -270,7 +299,11 @@ zWString MakeTempFile(zWString const& folder, char const* prefix) {
 
 std::int64_t Now() { return os::Now(); }
 
-void Pause(int milliseconds) { os::Pause(milliseconds); }
+void Pause(int milliseconds) {
+  if (!TheState().failing) {
+    os::Pause(milliseconds);
+  }
+}
 
 void* Allocate(std::size_t size) {
   return MustFail(Call::kAllocate) ? nullptr : test::Taken(os::Allocate(size));

@@ -65,14 +65,18 @@ enum class Lasting : bool {
   kForGood,  // they fail as well
 };
 
+// How much of its bytes a failing Read still gives or a failing Write takes.
+enum class Portion : std::uint8_t { kNothing, kOneByte, kHalf, kAllButOne };
+
 // The exit code of a process that KillAt ended.
 constexpr int kKilledExitCode = 99;
 
 // What to do to the calls, for as long as the guard lives.  One at a time.
 //
 // A failing call does what a real failure leaves behind: Close closes the
-// stream all the same, Write takes and Read gives half of the bytes, both mark
-// the stream as failed; everything else does nothing.
+// stream all the same, Write takes and Read gives a part of the bytes, both
+// mark the stream as failed; everything else does nothing.  Once calls fail for
+// good, Pause returns at once: nobody that is waited for will come.
 class FaultGuard {
  public:
   FaultGuard();
@@ -83,7 +87,8 @@ class FaultGuard {
   // Makes the n-th call (from 1) of the set fail; counting starts now.
   void FailAt(std::int64_t n, Lasting lasting = Lasting::kOnce,
               CallSet calls = kFileCalls,
-              platform::Error error = platform::Error::kInputOutput);
+              platform::Error error = platform::Error::kInputOutput,
+              Portion portion = Portion::kHalf);
   // Ends the process right before the n-th call of the set, without handing
   // buffered output to the system.
   void KillAt(std::int64_t n, CallSet calls = kFileCalls);
@@ -92,6 +97,8 @@ class FaultGuard {
 
   // True once a call was made to fail.
   bool Fired() const;
+  // The set of the one call that failed first; nothing before.
+  CallSet FirstFailed() const;
   // Calls since the guard began.
   std::int64_t Count(CallSet calls) const;
   // The calls that name a path, in order: "Delete MAIN.UDBT" (without folder;

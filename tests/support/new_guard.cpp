@@ -1,5 +1,6 @@
 #include "tests/support/new_guard.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -7,14 +8,22 @@ namespace {
 
 bool armed = false;
 bool once = false;
-int calls_left = 0;  // until the first failing one; 0: it fails
+int calls_left = 0;                 // until the first failing one; 0: it fails
+std::atomic<std::int64_t> live{0};  // some tests have threads
 
 void* Obtain(std::size_t size) noexcept {
   if (armed && (calls_left == 0 || --calls_left == 0)) {
     if (once) armed = false;
     return nullptr;
   }
-  return std::malloc(size == 0 ? 1 : size);
+  void* const block = std::malloc(size == 0 ? 1 : size);
+  live += block != nullptr ? 1 : 0;
+  return block;
+}
+
+void Return(void* block) noexcept {
+  live -= block != nullptr ? 1 : 0;
+  std::free(block);
 }
 
 }  // namespace
@@ -32,15 +41,15 @@ void* operator new[](std::size_t size) { return operator new(size); }
 void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
   return Obtain(size);
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block) noexcept { Return(block); }
+void operator delete(void* block, std::size_t) noexcept { Return(block); }
 void operator delete(void* block, std::nothrow_t const&) noexcept {
-  std::free(block);
+  Return(block);
 }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { Return(block); }
+void operator delete[](void* block, std::size_t) noexcept { Return(block); }
 void operator delete[](void* block, std::nothrow_t const&) noexcept {
-  std::free(block);
+  Return(block);
 }
 
 namespace tabwerk::test {
@@ -59,5 +68,7 @@ bool NewGuard::Disarm() {
   armed = false;
   return Fired();
 }
+
+std::int64_t LiveNews() { return live; }
 
 }  // namespace tabwerk::test

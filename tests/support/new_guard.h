@@ -2,6 +2,8 @@
 #ifndef TABWERK_TESTS_SUPPORT_NEW_GUARD_H
 #define TABWERK_TESTS_SUPPORT_NEW_GUARD_H
 
+#include <cstdint>
+
 namespace tabwerk::test {
 
 // While it lives, every call of operator new from the n-th (from 1) on, or the
@@ -24,6 +26,10 @@ class NewGuard {
   // Lets all calls work again; as Fired.
   bool Disarm();
 };
+
+// Blocks that operator new has given in this process and operator delete has
+// not yet taken back.
+std::int64_t LiveNews();
 
 }  // namespace tabwerk::test
 
