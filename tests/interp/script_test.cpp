@@ -15,8 +15,6 @@
 #include "tests/support/plain_database.h"
 
 using tabwerk::test::DatabaseTest;
-using tabwerk::test::FaultGuard;
-using tabwerk::test::Lasting;
 using tabwerk::test::W;
 
 namespace {
@@ -364,45 +362,6 @@ TEST_F(Script, PathMayLieInATableThatTheRunDeletes) {
   EXPECT_EQ(1, interpreter.ReadScript(path, W("")));
   std::filesystem::current_path(folder);
   EXPECT_EQ("", Written("ARTICLE"));
-}
-
-TEST_F(Script, EveryFailingFileCallLeavesTheOldOrTheNewFile) {
-  Data("a.txt", u"1\n2\n");
-  MakeArticles("stock.db", 1000, {"1|1|0|Anna"});
-  auto const before = Bytes("stock.db");
-  for (int n = 1;; ++n) {
-    tabwerk::test::WriteFileBytes(Path("stock.db"), before);
-    FaultGuard faults;
-    faults.FailAt(n, Lasting::kOnce);
-    int const result =
-        RunDatabase(std::string(kOneTable) + "TABLEDATA ARTICLE @a.txt\n");
-    faults.Disarm();
-    DBbase::Init({}, {});
-    if (result == 1) {
-      EXPECT_EQ("[1][2]", Written("ARTICLE")) << n;
-    } else {
-      EXPECT_EQ(before, Bytes("stock.db")) << n;
-    }
-    EXPECT_EQ(0, tabwerk::test::OpenStreams()) << n;
-    if (!faults.Fired()) break;
-    ASSERT_LT(n, 1000);
-  }
-}
-
-TEST_F(Script, EveryFailingFileCallRemovesANewFile) {
-  for (int n = 1;; ++n) {
-    FaultGuard faults;
-    faults.FailAt(
-        n, Lasting::kOnce,
-        tabwerk::test::kFileCalls & ~Only(tabwerk::test::Call::kDelete));
-    int const result = RunDatabase(kOneTable);
-    faults.Disarm();
-    DBbase::Init({}, {});
-    EXPECT_EQ(result == 1, FileExists("stock.db")) << n;
-    std::remove(Path("stock.db").c_str());
-    if (!faults.Fired()) break;
-    ASSERT_LT(n, 1000);
-  }
 }
 
 }  // namespace

@@ -1,0 +1,125 @@
+// Openings whose calls to the system fail: no file is touched, and the order
+// and the status that the index holds are there in the end.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "tests/sweeps/fault_sweep.h"
+
+namespace tabwerk::test {
+namespace {
+
+class SweepFaultsOpen : public FaultSweepTest {
+ protected:
+  SweepFaultsOpen() {
+    // The vendor ships another file of the same rows, and one more.
+    Restore(old_);
+    MakeFile("MAIN.db", {PlainHeader::kCurrent,
+                         3000,
+                         {{"ARTIKEL",
+                           kArtikel,
+                           {"1|1|0|Anna|1.5", "2|0|0|Bert|2.5",
+                            "3|3|0|Carl|3.5", "4|4|0|Gerd|5.5"}},
+                          {"FARBE", kArticles, {"1|1|0|red", "2|2|0|blue"}}}});
+    stale_ = Snapshot();
+    stale_.at("STOCK.idx") = old_.at("STOCK.idx");
+    waiting_ = old_;
+    waiting_["STOCK.idx.2000"] = old_.at("STOCK.idx");
+    waiting_["STOCK.idx"] = EncodeIndex({{1000, 1999}, {{}, {}}});
+    none_ = old_;
+    none_.erase("STOCK.idx");
+  }
+
+  int Open(bool for_write) const {
+    return Manager()->Open(stock_, for_write, false);
+  }
+
+  // What was read is what the files have, in the user's order or in their own.
+  static void ExpectReadRight(std::string const& expected,
+                              std::string const& of_the_files) {
+    auto const tables = BothTables();
+    if (tables.find(" -") != std::string::npos) return;  // one is not whole
+    EXPECT_TRUE(tables == expected || tables == of_the_files) << tables;
+  }
+  void Judge(Outcome const& outcome, FileSet const& begin,
+             std::string const& expected, std::string const& of_the_files) {
+    EXPECT_TRUE(outcome.fired || outcome.result == 1);
+    EXPECT_EQ(outcome.result, Manager()->FilesCount());
+    if (outcome.result == 1) ExpectReadRight(expected, of_the_files);
+    for (auto const* name : {"MAIN.db", "USER.UDB"}) {
+      EXPECT_EQ(begin.at(name), Bytes(name)) << name;
+    }
+    ExpectNoForeignFiles({"MAIN.db", "USER.UDB", "STOCK.idx"});
+    EXPECT_EQ(0U, TempFiles().size());
+    if (then_save_ && outcome.result == 1) {
+      (void)Manager()->Write(stock_, true, W(""));  // judged by what is left
+    }
+    DBbase::Init({}, {});
+    ExpectSoundFiles();
+    EXPECT_EQ(expected, Reopened());
+    EXPECT_EQ(expected, Reopened());
+    ExpectSoundFiles();
+    if (!outcome.fired) {
+      EXPECT_EQ(kClean, Files());
+    }
+  }
+  void SweepOpen(FileSet const& begin, std::string const& expected,
+                 std::string const& of_the_files) {
+    for (bool const for_write : {true, false}) {
+      SweepCalls("", for_write, begin, expected, of_the_files);
+    }
+    if (begin.count("STOCK.idx") == 0) return;  // a save has nothing to lose
+    then_save_ = true;
+    SweepCalls(", then a save", true, begin, expected, of_the_files);
+  }
+
+  static constexpr char kStaleTables[] =
+      "ARTIKEL [1|4|0|Anna|1.5][2|0|1|Bert|2.5][3|2|0|Carl|3.5][4|3|0|Gerd|5.5]"
+      "[20000|1|0|Dora|4.5] FARBE [1|2|0|red][2|1|0|blue]";
+  static constexpr char kStaleTablesOfTheFiles[] =
+      "ARTIKEL [1|1|0|Anna|1.5][2|0|0|Bert|2.5][3|3|0|Carl|3.5][4|4|0|Gerd|5.5]"
+      "[20000|1|0|Dora|4.5] FARBE [1|1|0|red][2|2|0|blue]";
+
+  FileSet stale_;
+  FileSet waiting_;
+  FileSet none_;
+
+ private:
+  void SweepCalls(std::string const& what, bool for_write, FileSet const& begin,
+                  std::string const& expected,
+                  std::string const& of_the_files) {
+    FaultSweepTest::SweepCalls(
+        (for_write ? "for writing" : "for reading") + what,
+        {[&] {
+           Restore(begin);
+           Configure("STOCK", {"MAIN.db", "USER.UDB"});
+         },
+         [&] { return Open(for_write); },
+         [&](Outcome const& outcome) {
+           Judge(outcome, begin, expected, of_the_files);
+         }});
+  }
+
+  bool then_save_ = false;
+  zWString const stock_ = W("STOCK");
+};
+
+TEST_F(SweepFaultsOpen, WithAValidIndex) {
+  SweepOpen(old_, kOldTables, kTablesOfTheFiles);
+}
+
+TEST_F(SweepFaultsOpen, WithAStaleIndex) {
+  SweepOpen(stale_, kStaleTables, kStaleTablesOfTheFiles);
+}
+
+TEST_F(SweepFaultsOpen, WithoutAnIndex) {
+  SweepOpen(none_, kTablesOfTheFiles, kTablesOfTheFiles);
+}
+
+TEST_F(SweepFaultsOpen, WithAWaitingIndex) {
+  SweepOpen(waiting_, kOldTables, kTablesOfTheFiles);
+}
+
+}  // namespace
+}  // namespace tabwerk::test
