@@ -1,4 +1,5 @@
 // The life of the index file: read when it fits, rebuilt when it does not.
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -183,15 +184,26 @@ int DBbase::WriteIndexToFile(DBDirectory* directory) const {
     }
     auto const fresh = path + zWString(u"T");
     auto const stamps = tabwerk::TimeStamps(*directory);
-    if (!tabwerk::WriteIndex(fresh, stamps, tables)) return kIndexNotWritten;
-    if (platform::Replace(fresh, path) != platform::Error::kNone) {
+    // Nothing that needs memory may follow the move.
+    std::vector<zWString> older;
+    for (auto const stamp : stamps) {
+      older.push_back(tabwerk::PendingIndexPath(path, stamp));
+    }
+    auto built = tabwerk::CopiesOf(tables);
+    if (!tabwerk::WriteIndex(fresh, stamps, tabwerk::PointersTo(built))) {
+      return kIndexNotWritten;
+    }
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+      TableAccess::TakeIndices(*tables[i], built[i]);
+    }
+    auto const error = Guarded(platform::Error::kInputOutput,
+                               [&] { return platform::Replace(fresh, path); });
+    if (error != platform::Error::kNone) {
       tabwerk::DeleteLeftover(fresh);
       return kIndexNotWritten;
     }
     // One that could not be moved to its place is older than this one.
-    for (auto const stamp : stamps) {
-      tabwerk::DeleteLeftover(tabwerk::PendingIndexPath(path, stamp));
-    }
+    for (auto const& waiting : older) tabwerk::DeleteLeftover(waiting);
     return kIndexWritten;
   });
 }

@@ -93,6 +93,20 @@ void BuildIndices(DBTabelle& table) {
   table.MakeIndexStatus();
 }
 
+std::vector<DBTabelle> CopiesOf(std::vector<DBTabelle*> const& tables) {
+  std::vector<DBTabelle> copies;
+  copies.reserve(tables.size());
+  for (auto const* table : tables) copies.emplace_back(*table);
+  return copies;
+}
+
+std::vector<DBTabelle*> PointersTo(std::vector<DBTabelle>& tables) {
+  std::vector<DBTabelle*> pointers;
+  pointers.reserve(tables.size());
+  for (auto& table : tables) pointers.push_back(&table);
+  return pointers;
+}
+
 namespace {
 
 // False when memory was exhausted while the indices were built.

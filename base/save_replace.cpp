@@ -87,13 +87,8 @@ bool Save::MayReplaceIndex() const {
 
 bool Save::PrepareIndex() {
   if (index_.isEmpty() || !MayReplaceIndex()) return true;
-  // Built from copies: the tables keep their indices and their selection.
-  std::vector<DBTabelle> copies;
-  copies.reserve(tables_.size());
-  for (auto* table : tables_) copies.emplace_back(*table);
-  std::vector<DBTabelle*> order;
-  order.reserve(copies.size());
-  for (auto& copy : copies) order.push_back(&copy);
+  auto copies = CopiesOf(tables_);
+  auto order = PointersTo(copies);
   // Reading a first file reverses the order of its tables.
   if (position_ == 0U) std::reverse(order.begin(), order.end());
   auto const stamps = TimeStamps(directory_);

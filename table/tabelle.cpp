@@ -9,6 +9,7 @@
 #include "table/id_index.h"
 #include "table/row_lookups.h"
 #include "table/sub_table.h"
+#include "table/table_access.h"
 
 using tabwerk::DirectoryAccess;
 using tabwerk::IdIndex;
@@ -33,19 +34,24 @@ DBTabelle::DBTabelle(DBTabelle const& other)
 DBTabelle& DBTabelle::operator=(DBTabelle const& other) {
   // All copies that may fail come first.
   DBTabelle copy(other);
-  current_sub_table_ = copy.current_sub_table_;
-  current_row_ = copy.current_row_;
-  sub_tables_ = std::move(copy.sub_tables_);
-  current_field_ = copy.current_field_;
+  tabwerk::TableAccess::TakeIndices(*this, copy);
   definition_ = copy.definition_;
-  folge_index_ = std::move(copy.folge_index_);
-  status_index_ = std::move(copy.status_index_);
-  id_index_ = std::move(copy.id_index_);
-  folge_selected_ = copy.folge_selected_;
-  status_selected_ = copy.status_selected_;
-  id_selected_ = copy.id_selected_;
   lookups_.reset();
   return *this;
+}
+
+void tabwerk::TableAccess::TakeIndices(DBTabelle& table,
+                                       DBTabelle& copy) noexcept {
+  table.current_sub_table_ = copy.current_sub_table_;
+  table.current_row_ = copy.current_row_;
+  table.sub_tables_ = std::move(copy.sub_tables_);
+  table.current_field_ = copy.current_field_;
+  table.folge_index_ = std::move(copy.folge_index_);
+  table.status_index_ = std::move(copy.status_index_);
+  table.id_index_ = std::move(copy.id_index_);
+  table.folge_selected_ = copy.folge_selected_;
+  table.status_selected_ = copy.status_selected_;
+  table.id_selected_ = copy.id_selected_;
 }
 
 DBTabelle::~DBTabelle() = default;

@@ -98,6 +98,9 @@ struct TableAccess {
   static void MakeFolge(DBTabelle& table, std::vector<std::int32_t> entries);
   static void MakeStatus(DBTabelle& table, std::vector<std::int32_t> entries);
 
+  // Gives a table the indices and the selection of a copy.
+  static void TakeIndices(DBTabelle& table, DBTabelle& copy) noexcept;
+
   // Writes the texts of a part's rows at the stream's position, each with a
   // copy of its own, in row and field order, and puts into *rows the part's row
   // records as they address the written block.  The table is left as it is.

@@ -5,6 +5,8 @@
 #include "base/manager_access.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
+#include "tests/support/new_guard.h"
+#include "tests/support/table_builder.h"
 
 namespace tabwerk::test {
 namespace {
@@ -280,6 +282,36 @@ TEST_F(IndexFile, OfFilesThatWereReplacedSinceIsNotWritten) {
   WriteFileBytes(Path("STOCK.idx"), {1, 2, 3});
   EXPECT_EQ(0, Manager()->WriteIndexToFile(nullptr));
   EXPECT_EQ(3U, Bytes("STOCK.idx").size());
+}
+
+// They were empty afterwards, and the next new row got an ID that was taken.
+TEST_F(IndexFile, WithoutMemoryForItTheTablesKeepTheirIndices) {
+  OpenStock();
+  std::string const before = Indices(*Table("ARTIKEL"));
+  bool fired = true;
+  for (int n = 1; fired; ++n) {
+    {
+      NewGuard guard(n);
+      (void)Manager()->WriteIndexToFile(nullptr);
+      fired = guard.Disarm();
+    }
+    ASSERT_EQ(before, Indices(*Table("ARTIKEL"))) << n;
+  }
+}
+
+TEST_F(IndexFile, ThatWasReplacedCountsAsWrittenWhateverTheMemory) {
+  OpenStock();
+  bool fired = true;
+  for (int n = 1; fired; ++n) {
+    WriteFileBytes(Path("STOCK.idx"), {1, 2, 3});
+    int result = 0;
+    {
+      NewGuard guard(n);
+      result = Manager()->WriteIndexToFile(nullptr);
+      fired = guard.Disarm();
+    }
+    ASSERT_EQ(result == 2, Bytes("STOCK.idx").size() != 3) << n;
+  }
 }
 
 TEST_F(IndexFile, WritingReturnsTwoAndMovesTheTablesToTheLastStatus) {
