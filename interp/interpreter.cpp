@@ -48,8 +48,15 @@ wchar_t* InterpreterAccess::FirstToken(DBInterpreter& interpreter,
   return TokenBuffer::NextToken(&interpreter.cursor_, separator);
 }
 
-bool InterpreterAccess::ReadFailed(DBInterpreter const& interpreter) {
-  return interpreter.file_ != nullptr && interpreter.file_->Failed();
+DataResult InterpreterAccess::ReadTableData(DBInterpreter& interpreter,
+                                            zWString* version) {
+  auto* const table = interpreter.table_;
+  if (interpreter.file_ == nullptr || table == nullptr ||
+      table->GetDirEntry(false) == nullptr) {
+    return DataResult::kRefused;
+  }
+  TableDataReader reader(interpreter, *table, version);
+  return reader.Read(*interpreter.file_);
 }
 
 void InterpreterAccess::RecordError(DBInterpreter& interpreter, int number,
@@ -129,13 +136,9 @@ wchar_t* DBInterpreter::GetNextToken(wchar_t* line, wchar_t separator) {
 int DBInterpreter::ReadDatei(zWString& version, bool conditions,
                              wchar_t const* conditionText) {
   if (conditions) return checkFeldConditions(conditionText);
-  if (file_ == nullptr || table_ == nullptr ||
-      table_->GetDirEntry(false) == nullptr) {
-    return 0;
-  }
   return Guarded(0, [&] {
-    tabwerk::TableDataReader reader(*this, *table_, &version);
-    return reader.Read(*file_) ? 1 : 0;
+    auto const result = InterpreterAccess::ReadTableData(*this, &version);
+    return result == tabwerk::DataResult::kRead ? 1 : 0;
   });
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "DBInterpreter.h"
+#include "interp/table_data.h"
 
 namespace tabwerk {
 
@@ -27,8 +28,10 @@ struct InterpreterAccess {
   // has at most TokenBuffer::kMaxLineLength units.  Throws std::bad_alloc.
   static wchar_t* FirstToken(DBInterpreter& interpreter,
                              std::u16string_view line, wchar_t separator);
-  // True when the open file could not be read to its end.
-  static bool ReadFailed(DBInterpreter const& interpreter);
+  // As ReadDatei without conditions; kRefused without a file or table.  Throws
+  // std::bad_alloc.
+  static DataResult ReadTableData(DBInterpreter& interpreter,
+                                  zWString* version);
   // Stores number and message, followed by the name of a table, as the last
   // error.
   static void RecordError(DBInterpreter& interpreter, int number,

@@ -109,7 +109,8 @@ bool ScriptRun::CreateTable(std::string const& name,
       directory->FindTable(name.c_str(), directory->GetEntries()) != nullptr) {
     return false;
   }
-  auto fields = std::make_unique<DBDefinition>(definition.c_str());
+  auto fields = std::make_unique<DBDefinition>();
+  if (fields->GenerateDefinition(definition.c_str()) == 0) return false;
   // A name that the directory refuses is not found by NeueTabelle.
   static_cast<void>(directory->AddEntry(fields.release(), name.c_str(),
                                         database_file_, false, 0, 0, 0, 0, 0));
@@ -128,17 +129,21 @@ bool ScriptRun::TableData(Words words) {
   interpreter_.SetTabelle(table_);
   if (interpreter_.OpenDatei(path.c_str(), "rb") == 0) return false;
   // Errors in the data stay readable in the interpreter and do not stop the
-  // script; data that cannot be read does.
+  // script; data that cannot be read or kept does.
   zWString scratch;
-  static_cast<void>(interpreter_.ReadDatei(scratch, false, L""));
-  bool read = !InterpreterAccess::ReadFailed(interpreter_);
-  if (table_word == kVersionTable) {
-    // Kept: reads the file from its start, so that every row is there twice.
-    static_cast<void>(interpreter_.ReadDatei(read_version_, false, L""));
-    read = read && !InterpreterAccess::ReadFailed(interpreter_);
-  }
+  bool read = ReadData(&scratch);
+  // Kept: reads the file from its start, so that every row is there twice.
+  if (table_word == kVersionTable) read = ReadData(&read_version_) && read;
   interpreter_.CloseDatei();
   return read;
+}
+
+// False when there is data that is not in the table now.
+bool ScriptRun::ReadData(zWString* version) {
+  return Guarded(false, [&] {
+    return InterpreterAccess::ReadTableData(interpreter_, version) !=
+           DataResult::kLost;
+  });
 }
 
 bool ScriptRun::Write(Configuration const& before) {

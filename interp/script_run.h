@@ -50,6 +50,7 @@ class ScriptRun {
   bool NewTable(Words words, ScriptReader& script);
   bool CreateTable(std::string const& name, std::string const& definition);
   bool TableData(Words words);
+  bool ReadData(zWString* version);
   bool ConfigureManager();
   void RemoveMadeFile();
 

@@ -6,6 +6,7 @@
 #include "DBDirectory.h"
 #include "interp/interpreter_access.h"
 #include "platform/numbers.h"
+#include "table/table_access.h"
 
 namespace tabwerk {
 namespace {
@@ -35,13 +36,13 @@ TableDataReader::TableDataReader(DBInterpreter& interpreter, DBTabelle& table,
       entry_(*table.GetDirEntry(false)),
       version_(version) {}
 
-bool TableDataReader::Read(TextFile& file) {
+DataResult TableDataReader::Read(TextFile& file) {
   file.SeekTo(kByteOrderMarkBytes);
   std::u16string_view piece;
   while (file.ReadPiece(&piece)) {
-    if (!ReadLine(WithoutLineEnd(piece))) return false;
+    if (!ReadLine(WithoutLineEnd(piece))) return failure_;
   }
-  return !file.Failed();
+  return file.Failed() ? DataResult::kLost : DataResult::kRead;
 }
 
 bool TableDataReader::ReadLine(std::u16string_view line) {
@@ -51,6 +52,8 @@ bool TableDataReader::ReadLine(std::u16string_view line) {
   // whose first value becomes 0 or empty.
   if (token != nullptr && *token != L'\0' && !table_.NeueZeile(false)) {
     RecordError(kErrorNoNewRow, kNoNewRowText);
+    bool const has_rows = entry_.GetDefinition()->GetMemorySize() > 0;
+    failure_ = has_rows ? DataResult::kLost : DataResult::kRefused;
     return false;
   }
   DBFeld const* field = entry_.GetDefinition()->GetDefinition();
@@ -73,9 +76,10 @@ bool TableDataReader::StoreToken(DBFeld const& field,
   static_cast<void>(table_.SelectColumn(field.name));
   switch (field.type) {
     case DBTypeReal:
-      return Stored(table_.SetWert(platform::ParseReal(token)));
+      return Stored(table_.SetWert(platform::ParseReal(token)), field.type);
     case DBTypeInteger:
-      return Stored(table_.SetWert(long{platform::ParseInt32(token)}));
+      return Stored(table_.SetWert(long{platform::ParseInt32(token)}),
+                    field.type);
     case DBTypeString:
       return StoreText(field, token);
     case DBTypeUnknown:
@@ -91,13 +95,23 @@ bool TableDataReader::StoreText(DBFeld const& field,
   auto const end = text.data() + text.size() - units_.data();
   units_[static_cast<std::size_t>(end)] = u'\0';
   if (field.name == kVersionColumn) *version_ = zWString(text);
-  return Stored(table_.SetWert(text.data()));
+  return Stored(table_.SetWert(text.data()), field.type);
 }
 
 // Records an error for a result of SetWert that is one.
-bool TableDataReader::Stored(int result) {
-  if (result == 0) RecordError(kErrorNotStored, kNotStoredText);
-  return result != 0;
+bool TableDataReader::Stored(int result, DBType type) {
+  if (result != 0) return true;
+  RecordError(kErrorNotStored, kNotStoredText);
+  // What has a place and is not stored failed for lack of memory.
+  failure_ = HasPlaceFor(type) ? DataResult::kLost : DataResult::kRefused;
+  return false;
+}
+
+// True when the selected value takes one of that type.
+bool TableDataReader::HasPlaceFor(DBType type) {
+  if (type == DBTypeString) return TableAccess::HasText(table_);
+  long number = 0;
+  return type == DBTypeInteger && table_.GetWert(number) == 1;
 }
 
 // The token in 16-bit units, as it was read, at the start of units_.

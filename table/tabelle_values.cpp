@@ -218,6 +218,15 @@ DBFeld* DBTabelle::GetAktuelleFeldDef() {
   return selected == nullptr ? nullptr : selected->field;
 }
 
+bool tabwerk::TableAccess::HasText(DBTabelle& table) {
+  DBSubTable const* const selected = Current(table);
+  std::byte const* const place =
+      Place(selected, table.definition_, format::kStringSize);
+  return place != nullptr &&
+         selected->part->strings->Text(LoadValue<std::int32_t>(place))
+             .has_value();
+}
+
 bool tabwerk::TableAccess::FollowValue(DBTabelle& table, std::int32_t old_value,
                                        std::int32_t value) {
   auto const row = static_cast<std::int32_t>(table.current_row_);

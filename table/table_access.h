@@ -77,6 +77,10 @@ struct TableAccess {
   static bool FollowValue(DBTabelle& table, std::int32_t old_value,
                           std::int32_t value);
 
+  // True when the current value, whatever its type, names a text of the store:
+  // SetWert by a text then fails only for lack of memory.
+  static bool HasText(DBTabelle& table);
+
   // As SelectZeile by a text; throws std::bad_alloc.
   static int SelectText(DBTabelle& table, char const* column,
                         std::u16string_view text);

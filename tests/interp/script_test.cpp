@@ -12,9 +12,13 @@
 #include "tests/interp/text_folder.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
+#include "tests/support/new_guard.h"
 #include "tests/support/plain_database.h"
 
 using tabwerk::test::DatabaseTest;
+using tabwerk::test::FaultGuard;
+using tabwerk::test::Lasting;
+using tabwerk::test::NewGuard;
 using tabwerk::test::W;
 
 namespace {
@@ -362,6 +366,65 @@ TEST_F(Script, PathMayLieInATableThatTheRunDeletes) {
   EXPECT_EQ(1, interpreter.ReadScript(path, W("")));
   std::filesystem::current_path(folder);
   EXPECT_EQ("", Written("ARTICLE"));
+}
+
+// --- Exhausted memory
+// --------------------------------------------------------
+
+// A script over stock.db, which holds Anna, and its file of rows.
+class ScriptMemory : public Script {
+ protected:
+  ScriptMemory() {
+    Data("rows.txt", u"1,\"Bert, whose name is long\"\n2,\"Carl\"\n");
+    MakeArticles("stock.db", 1000, {"1|1|0|Anna"});
+    before_ = Bytes("stock.db");
+    Text("make.txt", "NEWDATABASE stock " + Path("stock.db") +
+                         "\nNEWTABLE T\nID integer\nNAME string\nENDDEF\n"
+                         "TABLEDATA T " +
+                         Path("rows.txt") + "\n");
+  }
+  int RunIt() { return interpreter.ReadScript(path_.c_str(), zWString()); }
+  void ExpectAllOrNothing(int result) {
+    DBbase::Init({}, {});
+    if (result == 1) {
+      EXPECT_EQ("[1|Bert, whose name is long][2|Carl]", Written("T"));
+    } else {
+      EXPECT_EQ(before_, Bytes("stock.db"));
+    }
+    tabwerk::test::WriteFileBytes(Path("stock.db"), before_);
+    Configure("BEFORE", {"before.db"});
+  }
+
+  std::string const path_ = Path("make.txt");
+  std::vector<unsigned char> before_;
+};
+
+// They were left out, and the file that had them was replaced.
+TEST_F(ScriptMemory, RowsThatDoNotFitFailTheScript) {
+  int result = 0;
+  for (int n = 1; result == 0; ++n) {
+    FaultGuard faults;
+    faults.FailAt(n, Lasting::kOnce, tabwerk::test::kMemoryCalls);
+    result = RunIt();
+    faults.Disarm();
+    ExpectAllOrNothing(result);
+    ASSERT_LT(n, 100);
+  }
+}
+
+// A table without columns took their place.
+TEST_F(ScriptMemory, DefinitionsThatDoNotFitFailTheScript) {
+  bool fired = true;
+  for (int n = 1; fired; ++n) {
+    SCOPED_TRACE(n);
+    int result = 0;
+    {
+      NewGuard guard(n, NewGuard::Lasting::kOnce);
+      result = RunIt();
+      fired = guard.Disarm();
+    }
+    ExpectAllOrNothing(result);
+  }
 }
 
 }  // namespace
