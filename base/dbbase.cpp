@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -51,17 +52,7 @@ bool DBbase::Init(std::vector<zWString> const& names,
                   std::vector<std::vector<zWString>> const& files) {
   return Guarded(false, [&] {
     // Built before the old instance goes: the arguments may live inside it.
-    std::unique_ptr<DBbase> fresh(new DBbase());
-    ManagerAccess::AddDatabases(names, files, *fresh);
-    fresh->current_ = fresh->first_;
-    fresh->names_ = names;
-    fresh->files_ = files;
-    auto* const old = std::exchange(_instance, fresh.release());
-    if (old != nullptr) {
-      // Copies of the old instance must not keep its files open.
-      old->catalogue_->Clear();
-      delete old;
-    }
+    ManagerAccess::Install(ManagerAccess::Make(names, files));
     return true;
   });
 }
@@ -144,6 +135,24 @@ void DBbase::DBTranslate(zWString& text) {
 namespace tabwerk {
 
 short CurrentLanguage() noexcept { return ManagerAccess::Language(); }
+
+std::unique_ptr<DBbase> ManagerAccess::Make(
+    std::vector<zWString> const& names,
+    std::vector<std::vector<zWString>> const& files) {
+  std::unique_ptr<DBbase> fresh(new DBbase());
+  AddDatabases(names, files, *fresh);
+  fresh->current_ = fresh->first_;
+  fresh->names_ = names;
+  fresh->files_ = files;
+  return fresh;
+}
+
+void ManagerAccess::Install(std::unique_ptr<DBbase> fresh) noexcept {
+  std::unique_ptr<DBbase> const old(
+      std::exchange(DBbase::_instance, fresh.release()));
+  // Copies of the old instance must not keep its files open.
+  if (old != nullptr) old->catalogue_->Clear();
+}
 
 void ManagerAccess::AddDatabases(
     std::vector<zWString> const& names,

@@ -2,6 +2,7 @@
 #ifndef TABWERK_BASE_MANAGER_ACCESS_H
 #define TABWERK_BASE_MANAGER_ACCESS_H
 
+#include <memory>
 #include <vector>
 
 #include "DBbase.h"
@@ -26,6 +27,22 @@ struct ManagerAccess {
   static int FindLastFile(DBbase& manager) { return manager.FindLastFile(); }
 
   static short Language() noexcept { return DBbase::sprache; }
+
+  // The configuration.
+  static std::vector<zWString> const& Names(DBbase const& manager) {
+    return manager.names_;
+  }
+  static std::vector<std::vector<zWString>> const& Files(
+      DBbase const& manager) {
+    return manager.files_;
+  }
+
+  // The two steps of DBbase::Init: a manager of that configuration, and its
+  // place as the instance.  Make throws std::bad_alloc.
+  static std::unique_ptr<DBbase> Make(
+      std::vector<zWString> const& names,
+      std::vector<std::vector<zWString>> const& files);
+  static void Install(std::unique_ptr<DBbase> fresh) noexcept;
 
   // Parts of the exported operations that several source files share.
   static void AddDatabases(std::vector<zWString> const& names,

@@ -5,12 +5,14 @@
 
 #include "DBInterpreter.h"
 #include "DBbase.h"
+#include "base/manager_access.h"
 #include "interp/script_reader.h"
 #include "interp/script_run.h"
 #include "platform/guarded.h"
 
 using tabwerk::Configuration;
 using tabwerk::Guarded;
+using tabwerk::ManagerAccess;
 using tabwerk::ScriptReader;
 using tabwerk::ScriptRun;
 
@@ -42,10 +44,11 @@ int DBInterpreter::ReadScript(char const* path, zWString expectedVersion) {
   return Guarded(kFailed, [&] {
     // A copy: the path may lie in what the run deletes.
     std::string const script_path(path);
-    Configuration before;
     DBbase* const manager = DBbase::GetDBBaseInstance();
     if (manager == nullptr) return kFailed;
-    manager->GetInit(before.names, before.files);
+    // Not by GetInit, which does not tell when there is no memory for it.
+    Configuration const before{ManagerAccess::Names(*manager),
+                               ManagerAccess::Files(*manager)};
     std::unique_ptr<ScriptReader> script =
         ScriptReader::Open(script_path.c_str());
     if (script == nullptr) return kFailed;

@@ -1,6 +1,7 @@
 #include "interp/script_run.h"
 
 #include <memory>
+#include <utility>
 
 #include "DBbase.h"
 #include "base/manager_access.h"
@@ -147,10 +148,18 @@ bool ScriptRun::ReadData(zWString* version) {
 }
 
 bool ScriptRun::Write(Configuration const& before) {
+  // Made first: a database that is written must not lack the memory for it.
+  auto restored = Guarded(std::unique_ptr<DBbase>(), [&] {
+    return ManagerAccess::Make(before.names, before.files);
+  });
+  if (restored == nullptr) {
+    Abandon();
+    return false;
+  }
   bool const written =
       DBbase::GetDBBaseInstance()->Write(database_name_, false, database_file_);
   interpreter_.SetTabelle(nullptr);
-  static_cast<void>(DBbase::Init(before.names, before.files));
+  ManagerAccess::Install(std::move(restored));
   if (!written) RemoveMadeFile();
   return written;
 }

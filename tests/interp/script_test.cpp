@@ -427,4 +427,23 @@ TEST_F(ScriptMemory, DefinitionsThatDoNotFitFailTheScript) {
   }
 }
 
+// The manager was left with that of the script, or with none.
+TEST_F(ScriptMemory, AWrittenScriptRestoresTheConfiguration) {
+  bool fired = true;
+  for (int n = 1; fired; ++n) {
+    SCOPED_TRACE(n);
+    int result = 0;
+    {
+      NewGuard guard(n, n % 2 == 0 ? NewGuard::Lasting::kOnce
+                                   : NewGuard::Lasting::kForGood);
+      result = RunIt();
+      fired = guard.Disarm();
+    }
+    EXPECT_TRUE(Configured() == "[BEFORE]" ||
+                (result == 0 && Configured() == "[STOCK]"))
+        << Configured();
+    ExpectAllOrNothing(result);
+  }
+}
+
 }  // namespace
