@@ -8,10 +8,13 @@ namespace {
 
 bool armed = false;
 bool once = false;
-int calls_left = 0;                 // until the first failing one; 0: it fails
-std::atomic<std::int64_t> live{0};  // some tests have threads
+int calls_left = 0;  // until the first failing one; 0: it fails
+// Some tests have threads.
+std::atomic<std::int64_t> live{0};
+std::atomic<std::int64_t> count{0};
 
 void* Obtain(std::size_t size) noexcept {
+  ++count;
   if (armed && (calls_left == 0 || --calls_left == 0)) {
     if (once) armed = false;
     return nullptr;
@@ -70,5 +73,7 @@ bool NewGuard::Disarm() {
 }
 
 std::int64_t LiveNews() { return live; }
+
+std::int64_t CountNews() { return count; }
 
 }  // namespace tabwerk::test

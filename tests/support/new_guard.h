@@ -30,6 +30,8 @@ class NewGuard {
 // Blocks that operator new has given in this process and operator delete has
 // not yet taken back.
 std::int64_t LiveNews();
+// Calls of operator new in this process.
+std::int64_t CountNews();
 
 }  // namespace tabwerk::test
 
