@@ -1,12 +1,12 @@
 #include "tests/sweeps/fault_sweep.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <iterator>
 
 #include "base/opened_tables.h"
 #include "schema/directory_access.h"
+#include "tests/support/new_guard.h"
 #include "tests/support/sweep.h"
 #include "tests/support/table_state.h"
 
@@ -201,32 +201,81 @@ void FaultSweepTest::ExpectNoForeignFiles(
   }
 }
 
-Outcome FaultSweepTest::RunOnce(Scenario const& scenario, std::int64_t call,
-                                Manner const& manner, Figures* figures) {
-  RemoveTempFiles();
+std::vector<FaultSweepTest::Manner> const& FaultSweepTest::Manners() {
+  static constexpr auto kOnce = Lasting::kOnce;
+  static constexpr auto kForGood = Lasting::kForGood;
+  static std::vector<Manner> const of_calls{
+      {kFileCalls, kOnce, Error::kInputOutput, Portion::kHalf},
+      {kFileCalls, kForGood, Error::kDiskFull, Portion::kNothing},
+      {kFileCalls, kOnce, Error::kDiskFull, Portion::kAllButOne},
+      {kFileCalls, kForGood, Error::kAccessDenied, Portion::kOneByte},
+      {kFileCalls, kOnce, Error::kAccessDenied, Portion::kNothing},
+      {kFileCalls, kForGood, Error::kHeld, Portion::kHalf},
+      {kFileCalls, kOnce, Error::kHeld, Portion::kOneByte},
+      {kFileCalls, kForGood, Error::kInputOutput, Portion::kAllButOne},
+  };
+  static std::vector<Manner> const of_memory{{kMemoryCalls, kOnce},
+                                             {kMemoryCalls, kForGood},
+                                             {0, kOnce},
+                                             {0, kForGood}};
+  return GetParam() == Failing::kCalls ? of_calls : of_memory;
+}
+
+Outcome FaultSweepTest::Run(Scenario const& scenario, std::size_t call,
+                            Manner const& manner) {
+  Outcome outcome;
+  outcome.once = manner.lasting == Lasting::kOnce;
+  auto const n = static_cast<int>(call);
+  if (manner.calls == 0) {
+    NewGuard guard(n, outcome.once ? NewGuard::Lasting::kOnce
+                                   : NewGuard::Lasting::kForGood);
+    outcome.result = scenario.run();
+    outcome.fired = guard.Disarm();
+    return outcome;
+  }
+  FaultGuard faults;
+  faults.FailAt(n, manner.lasting, manner.calls, manner.error, manner.portion);
+  outcome.result = scenario.run();
+  outcome.fired = faults.Fired();
+  outcome.first_failed = faults.FirstFailed();
+  return outcome;
+}
+
+std::size_t FaultSweepTest::CountCalls(Scenario const& scenario,
+                                       Manner const& manner) {
   scenario.prepare();
   Outcome outcome;
-  {
-    FaultGuard faults;
-    faults.FailAt(call, manner.lasting, kFileCalls, manner.error,
-                  manner.portion);
+  std::int64_t calls = 0;
+  if (manner.calls == 0) {
+    auto const before = CountNews();
     outcome.result = scenario.run();
-    outcome.fired = faults.Fired();
-    outcome.first_failed = faults.FirstFailed();
-  }
-  outcome.once = manner.lasting == Lasting::kOnce;
-  if (outcome.fired) {
-    ++figures->runs;
-    ++(outcome.result == 0 ? figures->refused : figures->done);
+    calls = CountNews() - before;
+  } else {
+    FaultGuard const faults;
+    outcome.result = scenario.run();
+    calls = faults.Count(manner.calls);
   }
   scenario.judge(outcome);
+  DBbase::Init({}, {});
+  return static_cast<std::size_t>(calls);
+}
+
+void FaultSweepTest::RunAndJudge(Scenario const& scenario, std::size_t call,
+                                 Manner const& manner, Outcome* outcome) {
+  RemoveTempFiles();
+  handles_ = OpenHandles();
+  blocks_ = LiveBlocks();
+  news_ = LiveNews();
+  scenario.prepare();
+  *outcome = Run(scenario, call, manner);
+  scenario.judge(*outcome);
   ExpectNothingOpen();
-  return outcome;
 }
 
 void FaultSweepTest::ExpectNothingOpen() const {
   DBbase::Init({}, {});
   EXPECT_EQ(0, OpenStreams());
+  EXPECT_EQ(news_, LiveNews());
   EXPECT_EQ(blocks_, LiveBlocks());
   EXPECT_EQ(handles_, OpenHandles());
   for (auto const& name : {"MAIN.db", "USER.UDB", "STOCK.idx"}) {
@@ -240,53 +289,40 @@ void FaultSweepTest::ExpectNothingOpen() const {
   }
 }
 
+void FaultSweepTest::SweepManner(Scenario const& scenario, std::size_t manner,
+                                 Figures* figures) {
+  constexpr std::size_t kPointsOfAShortRun = 6;
+  auto const& manners = Manners();
+  auto const calls = CountCalls(scenario, manners[manner]);
+  figures->calls = std::max(figures->calls, calls);
+  Sweep const sweep(calls, kPointsOfAShortRun);
+  // Every manner takes other points of a short run.
+  auto const shift = manner * sweep.step() / manners.size();
+  auto call = 1 + (sweep.first() + shift) % sweep.step();
+  for (;; call += sweep.step()) {
+    SCOPED_TRACE("manner " + std::to_string(manner) + ", call " +
+                 std::to_string(call));
+    Outcome outcome;
+    RunAndJudge(scenario, call, manners[manner], &outcome);
+    if (HasFailure() || !outcome.fired) return;
+    ++figures->runs;
+    ++(outcome.result == 0 ? figures->refused : figures->done);
+  }
+}
+
 void FaultSweepTest::SweepCalls(std::string const& what,
                                 Scenario const& scenario) {
-  static constexpr std::array kManners{
-      Manner{Lasting::kOnce, Error::kInputOutput, Portion::kHalf},
-      Manner{Lasting::kForGood, Error::kDiskFull, Portion::kNothing},
-      Manner{Lasting::kOnce, Error::kDiskFull, Portion::kAllButOne},
-      Manner{Lasting::kForGood, Error::kAccessDenied, Portion::kOneByte},
-      Manner{Lasting::kOnce, Error::kAccessDenied, Portion::kNothing},
-      Manner{Lasting::kForGood, Error::kHeld, Portion::kHalf},
-      Manner{Lasting::kOnce, Error::kHeld, Portion::kOneByte},
-      Manner{Lasting::kForGood, Error::kInputOutput, Portion::kAllButOne},
-  };
-  constexpr std::size_t kPointsOfAShortRun = 8;
-  // The calls of an untouched run, which is judged as well.
-  scenario.prepare();
-  Outcome untouched;
-  std::int64_t calls = 0;
-  {
-    FaultGuard const faults;
-    untouched.result = scenario.run();
-    calls = faults.Count(kFileCalls);
-  }
-  scenario.judge(untouched);
-  DBbase::Init({}, {});
-  handles_ = OpenHandles();
-  blocks_ = LiveBlocks();
+  if (HasFailure()) return;
   Figures figures;
-  Sweep const sweep(static_cast<std::size_t>(calls), kPointsOfAShortRun);
-  for (std::size_t i = 0; i < kManners.size(); ++i) {
-    // Every manner takes other points of a short run.
-    auto const shift = i * sweep.step() / kManners.size();
-    auto call = 1 + (sweep.first() + shift) % sweep.step();
-    for (;; call += sweep.step()) {
-      SCOPED_TRACE("manner " + std::to_string(i) + ", call " +
-                   std::to_string(call));
-      auto const outcome = RunOnce(scenario, static_cast<std::int64_t>(call),
-                                   kManners[i], &figures);
-      if (HasFailure()) return;
-      if (!outcome.fired) break;
-    }
+  for (std::size_t i = 0; i < Manners().size() && !HasFailure(); ++i) {
+    SweepManner(scenario, i, &figures);
   }
   EXPECT_LT(0, figures.runs);
   auto const* const test =
       testing::UnitTest::GetInstance()->current_test_info();
   ReportSweep(std::string(test->test_suite_name()) + "." + test->name() +
                   (what.empty() ? "" : " " + what),
-              "calls " + std::to_string(calls) + ", faults " +
+              "at most " + std::to_string(figures.calls) + " calls, faults " +
                   std::to_string(figures.runs) + ", refused " +
                   std::to_string(figures.refused) + ", done " +
                   std::to_string(figures.done));

@@ -1,7 +1,10 @@
-// Every call to the system fails, one after the other.
+// Every call to the system and every request for memory fails, one after the
+// other.
 #ifndef TABWERK_TESTS_SWEEPS_FAULT_SWEEP_H
 #define TABWERK_TESTS_SWEEPS_FAULT_SWEEP_H
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -13,16 +16,24 @@
 
 namespace tabwerk::test {
 
+// What fails.
+enum class Failing {
+  kCalls,   // to the system
+  kMemory,  // blocks and operator new
+};
+
 // What became of one run of an operation.
 struct Outcome {
   int result = 0;
-  bool fired = false;        // a call failed
-  CallSet first_failed = 0;  // which one
-  bool once = false;         // and no other
+  bool fired = false;        // something failed
+  CallSet first_failed = 0;  // which call
+  bool once = false;         // and nothing else
 
-  // True when what is left behind cannot be blamed on a failed Delete.
+  // True when what is left behind cannot be blamed on a failed Delete, or on a
+  // path that there was no memory for.
   bool CouldCleanUp() const {
-    return !fired || (once && first_failed != Only(Call::kDelete));
+    constexpr CallSet kOthers = kFileCalls & ~Only(Call::kDelete);
+    return !fired || (once && (first_failed & kOthers) != 0);
   }
 };
 
@@ -30,7 +41,8 @@ struct Outcome {
 struct Scenario {
   // Brings files and manager to where the operation begins.
   std::function<void()> prepare;
-  // The operation, whose calls fail; its result.
+  // The operation, whose calls fail; its result.  It asks for no memory of its
+  // own.
   std::function<int()> run;
   // Asserts what is allowed, with all calls working again.
   std::function<void(Outcome const&)> judge;
@@ -39,7 +51,14 @@ struct Scenario {
 // The database STOCK of MAIN.db and USER.UDB with the tables ARTIKEL and FARBE,
 // whose index holds an order and a status of the user's that stand nowhere
 // else.
-class FaultSweepTest : protected PrivateTemp, public DatabaseTest {
+//
+// A test of a sweep runs once for calls and once for memory:
+//
+//   TEST_P(SaveSweep, UserFile) { … }
+//   INSTANTIATE_FAULT_SWEEP(SaveSweep);
+class FaultSweepTest : protected PrivateTemp,
+                       public DatabaseTest,
+                       public testing::WithParamInterface<Failing> {
  protected:
   using FileSet = std::map<std::string, std::vector<unsigned char>>;
 
@@ -48,8 +67,8 @@ class FaultSweepTest : protected PrivateTemp, public DatabaseTest {
 
   // Runs the scenario with the k-th call failing, k = 1, 2, 3 … until a run is
   // untouched, once and for good, with every error and every portion of the
-  // bytes; then looks for what was left open.  Reports under the test's name,
-  // followed by `what`.
+  // bytes; looks each time for what was left open.  Reports under the test's
+  // name, followed by `what`.
   void SweepCalls(std::string const& what, Scenario const& scenario);
 
   // All files of the folder, and the folder made up of these files alone.
@@ -89,23 +108,43 @@ class FaultSweepTest : protected PrivateTemp, public DatabaseTest {
 
  private:
   struct Manner {
+    CallSet calls;  // none: operator new
     Lasting lasting;
-    platform::Error error;
-    Portion portion;
+    platform::Error error = platform::Error::kInputOutput;
+    Portion portion = Portion::kHalf;
   };
   struct Figures {
+    std::size_t calls = 0;  // of an untouched run, at most
     int runs = 0;
     int refused = 0;
     int done = 0;
   };
 
-  Outcome RunOnce(Scenario const& scenario, std::int64_t call,
-                  Manner const& manner, Figures* figures);
+  static std::vector<Manner> const& Manners();
+  // Fails at the call of that number, from 1; 0: at none.
+  static Outcome Run(Scenario const& scenario, std::size_t call,
+                     Manner const& manner);
+  void RunAndJudge(Scenario const& scenario, std::size_t call,
+                   Manner const& manner, Outcome* outcome);
+  // Calls of an untouched run.
+  std::size_t CountCalls(Scenario const& scenario, Manner const& manner);
+  void SweepManner(Scenario const& scenario, std::size_t manner,
+                   Figures* figures);
   void ExpectNothingOpen() const;
 
+  // What was there before a run.
   long handles_ = 0;
   int blocks_ = 0;
+  std::int64_t news_ = 0;
 };
+
+#define INSTANTIATE_FAULT_SWEEP(suite)                               \
+  INSTANTIATE_TEST_SUITE_P(SweepFaults, suite,                       \
+                           testing::Values(Failing::kCalls),         \
+                           [](auto const&) { return "EveryCall"; }); \
+  INSTANTIATE_TEST_SUITE_P(SweepMemory, suite,                       \
+                           testing::Values(Failing::kMemory),        \
+                           [](auto const&) { return "EveryAllocation"; })
 
 }  // namespace tabwerk::test
 

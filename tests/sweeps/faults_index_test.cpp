@@ -7,7 +7,7 @@
 namespace tabwerk::test {
 namespace {
 
-class SweepFaultsIndex : public FaultSweepTest {
+class IndexSweep : public FaultSweepTest {
  protected:
   void SweepIndex(bool for_write) {
     SweepCalls(for_write ? "for writing" : "for reading",
@@ -49,9 +49,11 @@ class SweepFaultsIndex : public FaultSweepTest {
   std::string rows_;
 };
 
-TEST_F(SweepFaultsIndex, OfFilesOpenForWriting) { SweepIndex(true); }
+INSTANTIATE_FAULT_SWEEP(IndexSweep);
 
-TEST_F(SweepFaultsIndex, OfFilesOpenForReading) { SweepIndex(false); }
+TEST_P(IndexSweep, OfFilesOpenForWriting) { SweepIndex(true); }
+
+TEST_P(IndexSweep, OfFilesOpenForReading) { SweepIndex(false); }
 
 }  // namespace
 }  // namespace tabwerk::test

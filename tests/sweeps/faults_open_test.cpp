@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <regex>
 #include <string>
 
 #include "tests/sweeps/fault_sweep.h"
@@ -10,9 +11,9 @@
 namespace tabwerk::test {
 namespace {
 
-class SweepFaultsOpen : public FaultSweepTest {
+class OpenSweep : public FaultSweepTest {
  protected:
-  SweepFaultsOpen() {
+  OpenSweep() {
     // The vendor ships another file of the same rows, and one more.
     Restore(old_);
     MakeFile("MAIN.db", {PlainHeader::kCurrent,
@@ -35,17 +36,29 @@ class SweepFaultsOpen : public FaultSweepTest {
     return Manager()->Open(stock_, for_write, false);
   }
 
-  // What was read is what the files have, in the user's order or in their own.
+  // What was read is what the files have, in the user's order or in their own;
+  // without memory the order of one table may be there and that of another not.
   static void ExpectReadRight(std::string const& expected,
                               std::string const& of_the_files) {
     auto const tables = BothTables();
     if (tables.find(" -") != std::string::npos) return;  // one is not whole
-    EXPECT_TRUE(tables == expected || tables == of_the_files) << tables;
+    if (GetParam() == Failing::kMemory) {
+      EXPECT_EQ(WithoutOrder(expected), WithoutOrder(tables));
+    } else {
+      EXPECT_TRUE(tables == expected || tables == of_the_files) << tables;
+    }
+  }
+  static std::string WithoutOrder(std::string const& tables) {
+    static std::regex const order("\\|[0-9]+\\|[012]");
+    return std::regex_replace(tables, order, "");
   }
   void Judge(Outcome const& outcome, FileSet const& begin,
              std::string const& expected, std::string const& of_the_files) {
     EXPECT_TRUE(outcome.fired || outcome.result == 1);
-    EXPECT_EQ(outcome.result, Manager()->FilesCount());
+    // A database that does not open leaves the catalogue.
+    if (outcome.result == 1 || GetParam() == Failing::kCalls) {
+      EXPECT_EQ(outcome.result, Manager()->FilesCount());
+    }
     if (outcome.result == 1) ExpectReadRight(expected, of_the_files);
     for (auto const* name : {"MAIN.db", "USER.UDB"}) {
       EXPECT_EQ(begin.at(name), Bytes(name)) << name;
@@ -105,19 +118,21 @@ class SweepFaultsOpen : public FaultSweepTest {
   zWString const stock_ = W("STOCK");
 };
 
-TEST_F(SweepFaultsOpen, WithAValidIndex) {
+INSTANTIATE_FAULT_SWEEP(OpenSweep);
+
+TEST_P(OpenSweep, WithAValidIndex) {
   SweepOpen(old_, kOldTables, kTablesOfTheFiles);
 }
 
-TEST_F(SweepFaultsOpen, WithAStaleIndex) {
+TEST_P(OpenSweep, WithAStaleIndex) {
   SweepOpen(stale_, kStaleTables, kStaleTablesOfTheFiles);
 }
 
-TEST_F(SweepFaultsOpen, WithoutAnIndex) {
+TEST_P(OpenSweep, WithoutAnIndex) {
   SweepOpen(none_, kTablesOfTheFiles, kTablesOfTheFiles);
 }
 
-TEST_F(SweepFaultsOpen, WithAWaitingIndex) {
+TEST_P(OpenSweep, WithAWaitingIndex) {
   SweepOpen(waiting_, kOldTables, kTablesOfTheFiles);
 }
 

@@ -18,7 +18,7 @@ struct SaveCase {
   char const* tables;       // both tables when the files are opened again
 };
 
-class SweepFaultsSave : public FaultSweepTest {
+class SaveSweep : public FaultSweepTest {
  protected:
   // Values, order and status in both files.  A row of the user's that a save of
   // the main file does not write would leave a place in the order to the row
@@ -38,8 +38,7 @@ class SweepFaultsSave : public FaultSweepTest {
     table->SelectZeile(2L);
   }
   bool Save(SaveCase const& save) const {
-    auto const target = *save.target == '\0' ? "" : Path(save.target);
-    return Manager()->Write(W("STOCK"), save.to_user_file, W(target));
+    return Manager()->Write(stock_, save.to_user_file, target_);
   }
   void JudgeFailed(SaveCase const& save, Outcome const& outcome) {
     for (auto const& [name, bytes] : begin_) {
@@ -86,6 +85,7 @@ class SweepFaultsSave : public FaultSweepTest {
   }
   void SweepSave(SaveCase const& save, FileSet const& begin) {
     begin_ = begin;
+    target_ = *save.target == '\0' ? zWString() : W(Path(save.target));
     SweepCalls("", {[&] {
                       Restore(begin_);
                       OpenStock();
@@ -109,23 +109,27 @@ class SweepFaultsSave : public FaultSweepTest {
       "ARTIKEL [1|3|0|Annabella, the longer|1.5][2|4|0|Bert|2.5]"
       "[3|2|0|Carl|3.5][20000|1|0|Dora|4.5] FARBE [1|0|1|red][2|1|0|blue]";
 
+  zWString const stock_ = W("STOCK");
+  zWString target_;
   FileSet begin_;
   std::string memory_;
 };
 
-TEST_F(SweepFaultsSave, UserFile) {
+INSTANTIATE_FAULT_SWEEP(SaveSweep);
+
+TEST_P(SaveSweep, UserFile) {
   SweepSave({true, "", "USER.UDB", kNewUser, kTablesWithNewUser}, old_);
 }
 
-TEST_F(SweepFaultsSave, MainFile) {
+TEST_P(SaveSweep, MainFile) {
   SweepSave({false, "", "MAIN.db", kNewMain, kTablesWithNewMain}, old_);
 }
 
-TEST_F(SweepFaultsSave, UnderANewName) {
+TEST_P(SaveSweep, UnderANewName) {
   SweepSave({false, "COPY.db", "COPY.db", kNewMain, kOldTables}, old_);
 }
 
-TEST_F(SweepFaultsSave, OverAnotherFile) {
+TEST_P(SaveSweep, OverAnotherFile) {
   auto begin = old_;
   begin["COPY.db"] = old_.at("USER.UDB");
   SweepSave({false, "COPY.db", "COPY.db", kNewMain, kOldTables}, begin);

@@ -19,7 +19,7 @@ constexpr std::string_view kTables =
     "NAME string\nENDDEF\n"
     "TABLEDATA FARBE farbe.txt\n";
 
-class SweepFaultsScript : public FaultSweepTest {
+class ScriptSweep : public FaultSweepTest {
  protected:
   void Text(FileSet* files, char const* name, std::string_view text) const {
     (*files)[name] = {text.begin(), text.end()};
@@ -50,9 +50,8 @@ class SweepFaultsScript : public FaultSweepTest {
     return files;
   }
   static int Build(std::string const& path) {
-    static zWString const version = W("1");
     DBInterpreter interpreter;
-    return interpreter.ReadScript(path.c_str(), version);
+    return interpreter.ReadScript(path.c_str(), zWString(u"1"));
   }
   static std::string Configured() {
     std::vector<zWString> names;
@@ -126,15 +125,17 @@ class SweepFaultsScript : public FaultSweepTest {
       "[4|3|0|Gerd|5.5][20000|1|0|Dora|4.5] FARBE [1|2|0|red][2|1|0|blue]";
 };
 
-TEST_F(SweepFaultsScript, ANewFile) {
+INSTANTIATE_FAULT_SWEEP(ScriptSweep);
+
+TEST_P(ScriptSweep, ANewFile) {
   SweepScript("NEW.db", WithScript("NEW.db"), kOldTables);
 }
 
-TEST_F(SweepFaultsScript, OverTheMainFileOfAUserFile) {
+TEST_P(ScriptSweep, OverTheMainFileOfAUserFile) {
   SweepScript("MAIN.db", WithScript("MAIN.db"), kNewTables);
 }
 
-TEST_F(SweepFaultsScript, AUserFile) {
+TEST_P(ScriptSweep, AUserFile) {
   auto begin = WithScript("OTHER.UDB");
   begin["OTHER.UDB"] = old_.at("USER.UDB");
   SweepScript("OTHER.UDB", begin, kOldTables);
