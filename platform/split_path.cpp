@@ -1,6 +1,7 @@
 // The path splitter; it lies here because separators and drives are the
 // system's.
 #include <string_view>
+#include <utility>
 
 #include "ztypes.h"
 
@@ -45,7 +46,18 @@ zSplitPath::zSplitPath(zWString const& path) {
 }
 
 zSplitPath::zSplitPath(zSplitPath const& other) = default;
-zSplitPath& zSplitPath::operator=(zSplitPath const& other) = default;
+
+zSplitPath& zSplitPath::operator=(zSplitPath const& other) {
+  // All copies that may fail come first: half of one path and half of another
+  // would name a third file.
+  zSplitPath copy(other);
+  drive_ = std::move(copy.drive_);
+  directory_ = std::move(copy.directory_);
+  file_name_ = std::move(copy.file_name_);
+  extension_ = std::move(copy.extension_);
+  return *this;
+}
+
 zSplitPath::~zSplitPath() = default;
 
 zWString const& zSplitPath::GetDrive() const noexcept { return drive_; }

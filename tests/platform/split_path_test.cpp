@@ -1,8 +1,10 @@
 // The path splitter.
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 
+#include "tests/support/new_guard.h"
 #include "ztypes.h"
 
 namespace tabwerk::test {
@@ -69,6 +71,31 @@ TEST(SplitPath, CopiesAreIndependent) {
   first = zSplitPath(zWString(u"d"));
   EXPECT_EQ(zWString(u"b"), second.GetFileName());
   EXPECT_EQ(zWString(u"d"), first.GetFileName());
+}
+
+// It had the folder of one path and the name of the other.
+TEST(SplitPath, WithoutMemoryAnAssignmentChangesNoPart) {
+  zSplitPath const source(
+      zWString(u"/a folder of a long name/a file of a long name.db"));
+  bool fired = true;
+  for (int n = 1; fired; ++n) {
+    zSplitPath target(zWString(u"x/y"));
+    bool assigned = true;
+    {
+      NewGuard guard(n);
+      try {
+        target = source;
+      } catch (std::bad_alloc const&) {
+        assigned = false;
+      }
+      fired = guard.Disarm();
+    }
+    EXPECT_NE(fired, assigned);
+    EXPECT_EQ(assigned ? source.GetDirectory() : zWString(u"x/"),
+              target.GetDirectory());
+    EXPECT_EQ(assigned ? source.GetFileName() : zWString(u"y"),
+              target.GetFileName());
+  }
 }
 
 }  // namespace
