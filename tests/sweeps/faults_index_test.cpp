@@ -10,18 +10,17 @@ namespace {
 class IndexSweep : public FaultSweepTest {
  protected:
   void SweepIndex(bool for_write) {
-    SweepCalls(for_write ? "for writing" : "for reading",
-               {[this, for_write] {
-                  Restore(old_);
-                  OpenStock(for_write);
-                  ASSERT_TRUE(SetNumber(Table("ARTIKEL"), 1, "STATUS", 0));
-                  ASSERT_TRUE(SetNumber(Table("ARTIKEL"), 1, "FOLGE", 4));
-                  ASSERT_TRUE(SetNumber(Table("FARBE"), 0, "STATUS", 1));
-                  ASSERT_TRUE(SetNumber(Table("FARBE"), 0, "FOLGE", 0));
-                  rows_ = BothTables();
-                },
-                [] { return Manager()->WriteIndexToFile(nullptr); },
-                [this](Outcome const& outcome) { Judge(outcome); }});
+    SweepCalls("", {[this, for_write] {
+                      Restore(old_);
+                      OpenStock(for_write);
+                      ASSERT_TRUE(SetNumber(Table("ARTIKEL"), 1, "STATUS", 0));
+                      ASSERT_TRUE(SetNumber(Table("ARTIKEL"), 1, "FOLGE", 4));
+                      ASSERT_TRUE(SetNumber(Table("FARBE"), 0, "STATUS", 1));
+                      ASSERT_TRUE(SetNumber(Table("FARBE"), 0, "FOLGE", 0));
+                      rows_ = BothTables();
+                    },
+                    [] { return Manager()->WriteIndexToFile(nullptr); },
+                    [this](Outcome const& outcome) { Judge(outcome); }});
   }
   void Judge(Outcome const& outcome) {
     EXPECT_TRUE(outcome.result == 2 || (outcome.fired && outcome.result == 0));
