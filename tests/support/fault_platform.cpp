@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tests/support/child_process.h"
+#include "tests/support/memory_meter.h"
 
 namespace tabwerk::test {
 namespace {
@@ -31,6 +32,7 @@ struct State {
   std::set<FILE*> failed_streams;
   int open_streams = 0;
   int live_blocks = 0;
+  bool skips_sync = false;
 };
 
 State& TheState() {
@@ -100,6 +102,7 @@ void MarkFailed(FILE* stream) { TheState().failed_streams.insert(stream); }
 
 void* Taken(void* block) {
   TheState().live_blocks += block != nullptr ? 1 : 0;
+  NoteTaken(block);
   return block;
 }
 
@@ -160,6 +163,10 @@ std::int64_t FaultGuard::Count(CallSet calls) const {
 std::vector<std::string> const& FaultGuard::Trace() const {
   return TheState().trace;
 }
+
+SyncSkip::SyncSkip() { TheState().skips_sync = true; }
+
+SyncSkip::~SyncSkip() { TheState().skips_sync = false; }
 
 int OpenStreams() { return TheState().open_streams; }
 
@@ -244,7 +251,7 @@ bool Sync(FILE* stream) {
     MarkFailed(stream);
     return false;
   }
-  return os::Sync(stream);
+  return TheState().skips_sync ? os::Flush(stream) : os::Sync(stream);
 }
 
 bool Close(FILE* stream) {
@@ -279,7 +286,8 @@ Error Replace(zWString const& from, zWString const& to) {
 }
 
 bool SyncFolderOf(zWString const& path) {
-  return !MustFail(Call::kSyncFolderOf) && os::SyncFolderOf(path);
+  if (MustFail(Call::kSyncFolderOf)) return false;
+  return TheState().skips_sync || os::SyncFolderOf(path);
 }
 
 bool ClearReadOnly(zWString const& path) {
@@ -313,12 +321,16 @@ void* Reallocate(void* block, std::size_t size) {
   if (MustFail(Call::kReallocate)) {
     return nullptr;
   }
+  if (block == nullptr) return test::Taken(os::Reallocate(block, size));
+  test::NoteReturned(block);
   void* const moved = os::Reallocate(block, size);
-  return block == nullptr ? test::Taken(moved) : moved;
+  test::NoteTaken(moved != nullptr ? moved : block);
+  return moved;
 }
 
 void Free(void* block) {
   TheState().live_blocks -= block != nullptr ? 1 : 0;
+  test::NoteReturned(block);
   os::Free(block);
 }
 

@@ -106,6 +106,17 @@ class FaultGuard {
   std::vector<std::string> const& Trace() const;
 };
 
+// While it lives, nothing waits for the disk: Sync hands the bytes to the
+// system only, SyncFolderOf does nothing.  For sweeps that save thousands of
+// times and do not look at what a power loss would leave.
+class SyncSkip {
+ public:
+  SyncSkip();
+  ~SyncSkip();
+  SyncSkip(SyncSkip const&) = delete;
+  SyncSkip& operator=(SyncSkip const&) = delete;
+};
+
 // Streams that were opened and not yet closed.
 int OpenStreams();
 // Blocks that were allocated and not yet freed.

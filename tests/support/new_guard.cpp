@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/support/memory_meter.h"
+
 namespace {
 
 bool armed = false;
@@ -21,11 +23,13 @@ void* Obtain(std::size_t size) noexcept {
   }
   void* const block = std::malloc(size == 0 ? 1 : size);
   live += block != nullptr ? 1 : 0;
+  tabwerk::test::NoteTaken(block);
   return block;
 }
 
 void Return(void* block) noexcept {
   live -= block != nullptr ? 1 : 0;
+  tabwerk::test::NoteReturned(block);
   std::free(block);
 }
 

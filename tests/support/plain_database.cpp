@@ -382,17 +382,20 @@ std::optional<PlainIndex> DecodeIndex(Bytes const& bytes,
     PlainIndex::Table table;
     if (cursor.Text(2) != "ID") return std::nullopt;
     auto count = cursor.Get<std::int32_t>();
+    if (count < 0) return std::nullopt;
     for (std::int32_t i = 0; i < count && cursor.ok; ++i) {
       auto const id = cursor.Get<std::int32_t>();
       table.ids.emplace_back(id, cursor.Get<std::int32_t>());
     }
     if (cursor.Text(5) != "FOLGE") return std::nullopt;
     count = cursor.Get<std::int32_t>();
+    if (count < 0) return std::nullopt;
     for (std::int32_t i = 0; i < count && cursor.ok; ++i) {
       table.folge.push_back(cursor.Get<std::int32_t>());
     }
     if (cursor.Text(6) != "STATUS") return std::nullopt;
     count = cursor.Get<std::int32_t>();
+    if (count < 0) return std::nullopt;
     for (std::int32_t i = 0; i < count && cursor.ok; ++i) {
       table.status.push_back(cursor.Get<std::int32_t>());
     }
