@@ -168,6 +168,10 @@ bool ReadRecords(FILE* stream, zWString const& file_name,
 
 void MarkDamagedParts(FileDirectory* directory, short char_factor,
                       std::int64_t file_size) {
+  // Blocks that lie over each other must not let a small file ask for any
+  // amount of memory.  But one table whose sizes are wrong can claim all bytes
+  // for its rows and again for its texts, and the others are to stay usable.
+  std::int64_t const most_claimed = 3 * file_size;
   std::int64_t const start = directory->data_start;
   std::int64_t claimed = 0;
   for (DirectoryRecord& record : directory->records) {
@@ -179,9 +183,7 @@ void MarkDamagedParts(FileDirectory* directory, short char_factor,
     part.damaged = !SoundNumbers(part, record.definition->GetMemorySize()) ||
                    !LiesInFile(rows, start, file_size) ||
                    !LiesInFile(strings, start, file_size) ||
-                   // Blocks that lie over each other would let a small file ask
-                   // for any amount of memory.
-                   claimed + rows.size + strings.size > file_size;
+                   claimed + rows.size + strings.size > most_claimed;
     if (part.damaged) {
       static_cast<void>(Corrupt("numbers of a table"));
     } else {

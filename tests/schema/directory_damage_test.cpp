@@ -107,29 +107,39 @@ TEST_F(DirectoryDamage, RowsWithoutBytesAreDamaged) {
   EXPECT_EQ("sound", State({.definition = ""}));
 }
 
-TEST_F(DirectoryDamage, BlocksThatLieOverEachOtherDoNotAddUpBeyondTheFile) {
-  // The file has 19 + 2 records + 41 bytes; three tables claim 40 of them each
-  // and more.
-  RecordBytes const big{.name = "A", .row_count = 10, .row_size = 40};
+TEST_F(DirectoryDamage, BlocksThatLieOverEachOtherDoNotAddUpWithoutEnd) {
+  // Each of these tables claims all 400 bytes of the data area twice.
+  constexpr int kTables = 200;
   std::string records;
-  for (char name = 'A'; name <= 'Z'; ++name) {
-    RecordBytes record = big;
-    record.name = std::string(1, name);
-    record.string_size = 20;
-    records += test::Record(record);
+  for (int i = 0; i < kTables; ++i) {
+    records += test::Record({.name = "T" + std::to_string(i),
+                             .definition = "",
+                             .row_size = 400,
+                             .string_size = 200});
   }
-  std::string const file = CurrentHeader(1) + records + std::string(41, '\0');
+  std::string const file = CurrentHeader(1) + records + std::string(401, '\0');
   folder_.WriteBytes("A", file);
   Initialize(&directory_, folder_, {"A"});
   ASSERT_TRUE(directory_.OpenDBdatei(0, false, false));
   std::size_t claimed = 0;
-  for (char const name : std::string("ABCDEFGHIJKLMNOPQRSTUVWXYZ")) {
-    claimed += Damaged(std::string(1, name).c_str()) ? 0u : 80u;
+  for (int i = 0; i < kTables; ++i) {
+    claimed += Damaged(("T" + std::to_string(i)).c_str()) ? 0u : 800u;
   }
+  EXPECT_TRUE(Damaged("T199"));
+  EXPECT_LE(claimed, 3 * file.size());
+  EXPECT_LT(3 * file.size(), claimed + 800);
+}
+
+// It took the memory of the tables behind it, which then counted as damaged.
+TEST_F(DirectoryDamage, TableThatClaimsTheWholeDataAreaTwiceHarmsNoOther) {
+  RecordBytes const greedy{.name = "A", .row_size = 1200, .string_size = 600};
+  RecordBytes const good{.name = "B", .row_count = 300, .row_size = 1200};
+  folder_.WriteBytes("A", CurrentHeader(1) + test::Record(greedy) +
+                              test::Record(good) + std::string(1201, '\0'));
+  Initialize(&directory_, folder_, {"A"});
+  ASSERT_TRUE(directory_.OpenDBdatei(0, false, false));
   EXPECT_FALSE(Damaged("A"));
-  EXPECT_TRUE(Damaged("Z"));
-  EXPECT_LE(claimed, file.size());
-  EXPECT_LT(file.size(), claimed + 80);
+  EXPECT_FALSE(Damaged("B"));
 }
 
 TEST_F(DirectoryDamage, TextsOfVersion2014AreCountedInBytes) {
