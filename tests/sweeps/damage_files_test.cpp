@@ -259,7 +259,7 @@ class WriteDamagedFile : public DamagedFile {
   // The damaged file in that place, a sound one of the same tables in the
   // other.
   void RunAs(bool user) {
-    ForEachDamage(14, WholeSweep() ? 5 : 1, [&](Damages::Damage const& damage) {
+    ForEachDamage(14, WholeSweep() ? 20 : 1, [&](Damages::Damage const& damage) {
       folder_.WriteBytes(user ? "MAIN.db" : "USER.UDB", GetParam().bytes);
       folder_.WriteBytes(user ? "USER.UDB" : "MAIN.db", damage.bytes);
       {
