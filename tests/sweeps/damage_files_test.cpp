@@ -259,16 +259,17 @@ class WriteDamagedFile : public DamagedFile {
   // The damaged file in that place, a sound one of the same tables in the
   // other.
   void RunAs(bool user) {
-    ForEachDamage(14, WholeSweep() ? 20 : 1, [&](Damages::Damage const& damage) {
-      folder_.WriteBytes(user ? "MAIN.db" : "USER.UDB", GetParam().bytes);
-      folder_.WriteBytes(user ? "USER.UDB" : "MAIN.db", damage.bytes);
-      {
-        MemoryMeter const meter;
-        ChangeAndWrite({"MAIN.db", "USER.UDB"});
-        ExpectBounded(meter, GetParam().bytes.size() + damage.bytes.size());
-      }
-      DBbase::Init({}, {});
-    });
+    ForEachDamage(
+        14, WholeSweep() ? 20 : 1, [&](Damages::Damage const& damage) {
+          folder_.WriteBytes(user ? "MAIN.db" : "USER.UDB", GetParam().bytes);
+          folder_.WriteBytes(user ? "USER.UDB" : "MAIN.db", damage.bytes);
+          {
+            MemoryMeter const meter;
+            ChangeAndWrite({"MAIN.db", "USER.UDB"});
+            ExpectBounded(meter, GetParam().bytes.size() + damage.bytes.size());
+          }
+          DBbase::Init({}, {});
+        });
     EXPECT_GT(written_, 0);
     ReportSweep("damage, write " + GetParam().name +
                     (user ? " as user file" : " as main file"),

@@ -1,0 +1,123 @@
+// Random patterns: the matcher answers as the standard library does.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <regex>
+#include <string>
+
+#include "table/pattern.h"
+#include "table/pattern_units.h"
+#include "tests/support/sweep.h"
+#include "tests/support/table_builder.h"
+#include "tests/sweeps/case_watch.h"
+#include "tests/sweeps/pattern_source.h"
+
+namespace tabwerk::test {
+namespace {
+
+namespace codes = std::regex_constants;
+
+// As the matcher names what it will not do.
+std::string NameOf(std::regex_error const& error) {
+  return error.code() == codes::error_complexity ? "complexity" : "malformed";
+}
+
+template <typename Answer>
+std::string Answered(Answer const& answer) {
+  try {
+    return answer() ? "match" : "no match";
+  } catch (std::regex_error const& error) {
+    return NameOf(error);
+  }
+}
+
+std::string OfMatcher(std::u16string const& pattern,
+                      std::u16string const& text) {
+  return Answered([&] { return Pattern(pattern).Matches(text); });
+}
+
+std::string OfStandard(std::u16string const& pattern,
+                       std::u16string const& text) {
+  return Answered([&] {
+    return std::regex_match(WidenUnits(text), std::wregex(WidenUnits(pattern)));
+  });
+}
+
+class SweepPatterns : public testing::Test {
+ protected:
+  // Compares count pairs; four texts for each pattern.
+  void Compare(int count) {
+    for (int i = 0; i < count / 4 && !HasFailure(); ++i) {
+      ComparePattern(seed_ + static_cast<std::uint32_t>(i));
+    }
+  }
+
+  void ComparePattern(std::uint32_t seed) {
+    PatternSource source(seed);
+    auto const pattern = source.Pattern();
+    watch_.Run("seed " + std::to_string(seed) + ": " + Units(pattern), [&] {
+      PatternSource texts(seed + 1);
+      for (int k = 0; k < 4; ++k) CompareText(seed, pattern, texts.Text());
+    });
+  }
+
+  void CompareText(std::uint32_t seed, std::u16string const& pattern,
+                   std::u16string const& text) {
+    auto const expected = OfStandard(pattern, text);
+    auto const got = OfMatcher(pattern, text);
+    // Behind an alternative that no text has, of a length from which on the
+    // standard library is not asked whether the pattern is well formed.
+    auto const unasked =
+        OfMatcher(std::u16string(401, u'q') + u"|" + pattern, text);
+    ++(expected == "match"       ? matched_
+       : expected == "malformed" ? malformed_
+                                 : others_);
+    EXPECT_TRUE(expected == got || RefersBack(pattern, got))
+        << "seed " << seed << ": " << Units(pattern) << " on " << Units(text)
+        << ": " << expected << ", not " << got;
+    EXPECT_TRUE(got == unasked || RefersBack(pattern, unasked))
+        << "seed " << seed << ", unasked: " << Units(pattern) << " on "
+        << Units(text) << ": " << got << ", not " << unasked;
+  }
+
+  // What a group matched cannot be referred to: the one thing that the matcher
+  // refuses in short patterns.
+  static bool RefersBack(std::u16string const& pattern,
+                         std::string const& answer) {
+    for (std::size_t i = 0; i + 1 < pattern.size(); ++i) {
+      if (pattern[i] != u'\\') continue;
+      ++i;
+      if (pattern[i] >= u'1' && pattern[i] <= u'9') {
+        return answer == "complexity" || answer == "malformed";
+      }
+    }
+    return false;
+  }
+
+  // TABWERK_SEED, else 1.
+  static std::uint32_t FirstSeed() {
+    char const* const seed = std::getenv("TABWERK_SEED");
+    return seed == nullptr ? 1 : static_cast<std::uint32_t>(std::atol(seed));
+  }
+
+  std::uint32_t const seed_ = FirstSeed();
+  CaseWatch watch_;
+  std::int64_t matched_ = 0;
+  std::int64_t malformed_ = 0;
+  std::int64_t others_ = 0;
+};
+
+TEST_F(SweepPatterns, AnswerAsTheStandardLibraryDoes) {
+  Compare(WholeSweep() ? 1'000'000 : 20'000);
+  EXPECT_GT(matched_, 0);
+  EXPECT_GT(malformed_, 0);
+  ReportSweep("patterns, random",
+              watch_.Figures() + ", from seed " + std::to_string(seed_) +
+                  ", matches " + std::to_string(matched_) + ", malformed " +
+                  std::to_string(malformed_) + ", no matches " +
+                  std::to_string(others_));
+}
+
+}  // namespace
+}  // namespace tabwerk::test
