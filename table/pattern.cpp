@@ -17,8 +17,8 @@ constexpr std::size_t kMaxExpression = 65'536;
 // Up to this length the standard library judges an expression; it takes up to
 // 600 bytes of stack for each unit.
 constexpr std::size_t kMaxJudged = 400;
-// Steps for one text; some seconds at most.
-constexpr std::uint64_t kMaxSteps = 300'000'000;
+// Steps for one text; half a second.
+constexpr std::uint64_t kMaxSteps = 60'000'000;
 
 // Lets the standard library find what is wrong with an expression.
 void Judge(std::u16string_view expression) {
@@ -246,7 +246,17 @@ void Pattern::Follow(Program const& program, std::int32_t start,
 
 bool Pattern::Consumes(Instruction const& instruction, char16_t unit) {
   if (instruction.op == Op::kUnit) return instruction.a == unit;
-  return tree_.sets[static_cast<std::size_t>(instruction.a)]->Has(unit);
+  return IsInSet(instruction.a, unit);
+}
+
+bool Pattern::IsInSet(std::int32_t number, char16_t unit) {
+  UnitSet& set = *tree_.sets[static_cast<std::size_t>(number)];
+  auto const known = set.Known(unit);
+  if (known != UnitSet::Answer::kUnknown) {
+    return known == UnitSet::Answer::kYes;
+  }
+  CountSteps(set.AskSteps());
+  return set.Ask(unit);
 }
 
 bool Pattern::Holds(Instruction const& assertion, std::size_t position) {
@@ -270,9 +280,7 @@ bool Pattern::Holds(Instruction const& assertion, std::size_t position) {
 }
 
 bool Pattern::IsWordAt(std::size_t position) {
-  return position < text_.size() &&
-         tree_.sets[static_cast<std::size_t>(tree_.word_set)]->Has(
-             text_[position]);
+  return position < text_.size() && IsInSet(tree_.word_set, text_[position]);
 }
 
 void Pattern::CountSteps(std::size_t steps) {

@@ -63,6 +63,7 @@ class Pattern {
   void Follow(Program const& program, std::int32_t start, std::size_t position,
               Threads* threads);
   bool Consumes(Instruction const& instruction, char16_t unit);
+  bool IsInSet(std::int32_t number, char16_t unit);
   bool Holds(Instruction const& assertion, std::size_t position);
   bool IsWordAt(std::size_t position);
   void LookAhead(std::size_t lookahead);

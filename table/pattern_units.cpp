@@ -9,19 +9,25 @@ std::wstring WidenUnits(std::u16string_view text) {
   return wide;
 }
 
+namespace {
+
+// Steps of one question, and for every unit of the expression: the standard
+// library may look at each of them.
+constexpr std::uint64_t kStepsOfAsking = 200;
+constexpr std::uint64_t kStepsOfUnit = 4;
+
+}  // namespace
+
 UnitSet::UnitSet(std::u16string_view expression)
-    : expression_(WidenUnits(expression)) {}
+    : expression_(WidenUnits(expression)),
+      ask_steps_(kStepsOfAsking + kStepsOfUnit * expression.size()) {}
 
-bool UnitSet::HasFirstInPage(char16_t unit) {
+bool UnitSet::Ask(char16_t unit) {
   auto& page = pages_[unit / kPageUnits];
-  page = std::make_unique<Page>();
-  return Ask(page.get(), unit);
-}
-
-bool UnitSet::Ask(Page* page, char16_t unit) {
+  if (page == nullptr) page = std::make_unique<Page>();
   auto const wide = static_cast<wchar_t>(unit);
   bool const has = std::regex_match(&wide, &wide + 1, expression_);
-  (*page)[unit % kPageUnits] = has ? kYes : kNo;
+  (*page)[unit % kPageUnits] = has ? Answer::kYes : Answer::kNo;
   return has;
 }
 

@@ -21,25 +21,26 @@ class UnitSet {
   // Throws std::regex_error when the expression is malformed.
   explicit UnitSet(std::u16string_view expression);
 
-  bool Has(char16_t unit) {
-    Page* const page = pages_[unit / kPageUnits].get();
-    if (page == nullptr) return HasFirstInPage(unit);
-    std::uint8_t const answer = (*page)[unit % kPageUnits];
-    return answer == kUnknown ? Ask(page, unit) : answer == kYes;
+  enum class Answer : std::uint8_t { kUnknown, kNo, kYes };
+
+  // What is known of a unit without asking the standard library.
+  Answer Known(char16_t unit) const {
+    Page const* const page = pages_[unit / kPageUnits].get();
+    return page == nullptr ? Answer::kUnknown : (*page)[unit % kPageUnits];
   }
+  // Asks it; the answer is known from then on.
+  bool Ask(char16_t unit);
+  // How long asking takes and how much memory the answers need, as a number of
+  // steps of a matcher.
+  std::uint64_t AskSteps() const { return ask_steps_; }
 
  private:
   static constexpr std::size_t kPageUnits = 256;
-  static constexpr std::uint8_t kUnknown = 0;
-  static constexpr std::uint8_t kNo = 1;
-  static constexpr std::uint8_t kYes = 2;
 
-  using Page = std::array<std::uint8_t, kPageUnits>;
-
-  bool HasFirstInPage(char16_t unit);
-  bool Ask(Page* page, char16_t unit);
+  using Page = std::array<Answer, kPageUnits>;
 
   std::wregex expression_;
+  std::uint64_t ask_steps_;
   std::array<std::unique_ptr<Page>, 0x10000 / kPageUnits> pages_;
 };
 
