@@ -8,8 +8,9 @@
 
 namespace tabwerk::test {
 
-// Most time that a case may take.  It tells a hang from work: some cases take a
-// tenth of it.  Sanitizers, and valgrind more so, slow the code down.
+// Most time of the processor that a case may take: a guard against hangs, which
+// no case comes near to but searches that use up what a pattern may cost.  It
+// is longer where sanitizers or valgrind (TABWERK_SLOW) slow the code down.
 double CaseSeconds();
 
 // Runs cases in this process.  When one of them crashes, or does not come back
@@ -21,21 +22,19 @@ class CaseWatch {
   CaseWatch(CaseWatch const&) = delete;
   CaseWatch& operator=(CaseWatch const&) = delete;
 
-  // Runs work, which must come to the same each time: where it takes longer
-  // than CaseSeconds, perhaps because other programs had the processor, it is
-  // run again, and the test fails when three runs do.
+  // Runs work.  The test fails when that takes longer than CaseSeconds, or by
+  // the clock ten times as long: it waits for something, or other programs had
+  // the processor.
   void Run(std::string const& name, std::function<void()> const& work);
 
   std::int64_t cases() const { return cases_; }
-  // "1234 cases in 5.6 s, slowest 12.3 ms (bit 3 of byte 77)".
+  // "1234 cases in 5.6 s, slowest 12.3 ms of processor (bit 3 of byte 77)".
   std::string Figures() const;
 
  private:
-  double Timed(std::function<void()> const& work);
-
   std::int64_t cases_ = 0;
-  double total_ = 0;  // seconds
-  double slowest_ = 0;
+  double total_ = 0;    // seconds by the clock
+  double slowest_ = 0;  // seconds of the processor
   std::string slowest_name_;
 };
 

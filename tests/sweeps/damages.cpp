@@ -23,8 +23,11 @@ std::array<std::int32_t, kValues> ValuesFor(std::size_t file_size) {
 
 }  // namespace
 
-Damages::Damages(std::string bytes)
+Damages::Damages(std::string bytes) : Damages(bytes, bytes.size()) {}
+
+Damages::Damages(std::string bytes, std::size_t file_size)
     : bytes_(std::move(bytes)),
+      file_size_(file_size),
       number_places_(
           bytes_.size() < kNumberSize ? 0 : bytes_.size() - kNumberSize + 1),
       count_(bytes_.size() + bytes_.size() * 8 + number_places_ * kValues) {}
@@ -56,7 +59,7 @@ Damages::Damage Damages::Flip(std::size_t bit) const {
 
 Damages::Damage Damages::Set(std::size_t number) const {
   auto const at = number / kValues;
-  auto const value = ValuesFor(bytes_.size())[number % kValues];
+  auto const value = ValuesFor(file_size_)[number % kValues];
   Damage damage{bytes_,
                 "number at byte " + std::to_string(at) + " set to " +
                     std::to_string(value),

@@ -16,6 +16,8 @@ namespace tabwerk::test {
 class Damages {
  public:
   explicit Damages(std::string bytes);
+  // Of the beginning of a larger file of that size.
+  Damages(std::string bytes, std::size_t file_size);
 
   struct Damage {
     std::string bytes;
@@ -36,6 +38,7 @@ class Damages {
   Damage Set(std::size_t number) const;
 
   std::string bytes_;
+  std::size_t file_size_;
   std::size_t number_places_;
   std::size_t count_;
 };

@@ -139,6 +139,10 @@ RowTexts RowsOf(DBTabelle& table) {
   return rows;
 }
 
+std::vector<unsigned char> BytesOf(std::string const& text) {
+  return {text.begin(), text.end()};
+}
+
 // Without the columns FOLGE and STATUS: "1|Anna|".
 std::string Kept(std::string const& row) {
   auto const id = row.find('|');
@@ -210,10 +214,9 @@ class SweepIndex : public DatabaseTest {
 
  private:
   void TryOnce(std::string const& index, bool save) {
-    WriteFileBytes(Path("STOCK.idx"), {index.begin(), index.end()});
+    WriteFileBytes(Path("STOCK.idx"), BytesOf(index));
     OpenStock(false);
-    auto plain = OpenedModel(
-        DecodeIndex(std::vector<unsigned char>(index.begin(), index.end()), 2));
+    auto plain = OpenedModel(DecodeIndex(BytesOf(index), 2));
     bool applied = false;
     for (auto const& [name, stored] : stored_) {
       auto* const table = Table(name.c_str());
@@ -226,6 +229,9 @@ class SweepIndex : public DatabaseTest {
     }
     applied_ += applied ? 1 : 0;
     EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+    // Valid, it stays as it is; else it is made anew.
+    auto const left = Bytes("STOCK.idx");
+    EXPECT_TRUE(left == BytesOf(index) || left == EncodeIndex(*plain.index));
     EXPECT_TRUE(main_ == Bytes("MAIN.db") && user_ == Bytes("USER.UDB"));
     if (save) Save();
   }
