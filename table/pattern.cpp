@@ -19,6 +19,8 @@ constexpr std::size_t kMaxExpression = 65'536;
 constexpr std::size_t kMaxJudged = 400;
 // Steps for one text; half a second.
 constexpr std::uint64_t kMaxSteps = 60'000'000;
+// What a position costs a lookahead, which is asked at every one of them.
+constexpr std::uint64_t kStepsOfPosition = 4;
 
 // Lets the standard library find what is wrong with an expression.
 void Judge(std::u16string_view expression) {
@@ -196,7 +198,7 @@ void Pattern::LookAhead(std::size_t lookahead) {
     NextRound(program.code.size());
     next.waiting.clear();
     next.accepted = false;
-    CountSteps(now.waiting.size());
+    CountSteps(now.waiting.size() + kStepsOfPosition);
     for (std::int32_t const place : now.waiting) {
       if (Consumes(program.code[static_cast<std::size_t>(place)],
                    text_[position])) {
