@@ -156,17 +156,6 @@ class BadIndex : public IndexFile {
   }
 };
 
-TEST_F(BadIndex, CutAtEveryLengthIsRebuilt) {
-  auto const whole = EncodeIndex(Good());
-  for (std::size_t size = 0; size < whole.size(); ++size) {
-    SCOPED_TRACE(size);
-    WriteFileBytes(
-        Path("STOCK.idx"),
-        {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)});
-    ExpectRebuilt();
-  }
-}
-
 TEST_F(BadIndex, WithBytesBehindTheLastSectionIsRebuilt) {
   auto bytes = EncodeIndex(Good());
   bytes.push_back(0);
@@ -405,21 +394,6 @@ TEST_F(IndexFile, IsSharedByDatabasesOfOneNameInOneFolder) {
   Configure("STOCK", {"MAIN.db", "OTHER.UDB"});
   EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
   EXPECT_EQ((std::vector<std::int64_t>{1000, 3000}), Index().time_stamps);
-}
-
-TEST_F(IndexFile, WithEveryByteFlippedHarmsNothing) {
-  OpenStock();
-  DBbase::Init({}, {});
-  auto const whole = Bytes("STOCK.idx");
-  for (std::size_t i = 0; i < whole.size(); ++i) {
-    SCOPED_TRACE(i);
-    auto bytes = whole;
-    bytes[i] = static_cast<unsigned char>(bytes[i] ^ 0xFFU);
-    WriteFileBytes(Path("STOCK.idx"), bytes);
-    OpenStock(false);
-    EXPECT_EQ("[Anna][Bert][Carl][Dora]", Column(Table("ARTIKEL"), "NAME"));
-    EXPECT_TRUE(DecodeIndex(Bytes("STOCK.idx"), 2).has_value());
-  }
 }
 
 }  // namespace

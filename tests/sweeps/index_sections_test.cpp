@@ -133,6 +133,35 @@ TEST_F(SweepIndexSections, OfAnyDamageChangeTheirOwnColumnOnly) {
   Report("sections damaged");
 }
 
+// As an index file has them, one behind the other.
+TEST_F(SweepIndexSections, InARowOfAnyDamageKeepTheRows) {
+  Damages const damages("ID" + Le32(2) + Le32(5) + Le32(0) + Le32(6) + Le32(1) +
+                        "FOLGE" + Le32(3) + Le32(-1) + Le32(1) + Le32(0) +
+                        "STATUS" + Le32(2) + Le32(0) + Le32(1));
+  Sweep const sweep(damages.count(), 150);
+  for (auto i = sweep.first(); i < damages.count(); i += sweep.step()) {
+    auto const damage = damages.At(i);
+    watch_.Run("in a row: " + damage.name, [&] {
+      TestTable made("integer ID,integer FOLGE,integer STATUS\n");
+      made.AddRows(0, {"5|2|0", "6|1|7"});
+      folder_.WriteBytes("i", damage.bytes);
+      auto error = platform::Error::kNone;
+      FILE* const stream =
+          platform::OpenFile(folder_.Path("i"), platform::Mode::kRead,
+                             platform::Share::kDenyNone, &error);
+      made.table.ReadIndexID(stream);
+      made.table.ReadIndexFolge(stream);
+      made.table.ReadIndexStatus(stream);
+      EXPECT_TRUE(platform::Close(stream));
+      EXPECT_EQ("5|6|", ValuesBut(made.table, "FOLGE").substr(0, 4));
+      made.table.ResortIndexID();
+      EXPECT_EQ(2, made.table.MaxFolge()) << damage.name;
+      UseIndices(made.table);
+    });
+  }
+  Report("sections in a row");
+}
+
 TEST_F(SweepIndexSections, OfAnyNumbersChangeTheirOwnColumnOnly) {
   int const count = WholeSweep() ? 20'000 : 300;
   for (int seed = 1; seed <= count; ++seed) {

@@ -279,31 +279,6 @@ TEST_F(IndexSections, CountBeyondTheFileTakesNoMemory) {
   EXPECT_GE(std::size_t{1} << 17, TableAccess::Status(t_.table).size());
 }
 
-TEST_F(IndexSections, EveryCutAndEveryFlippedByteIsSurvived) {
-  t_.table.MakeIndexID();
-  t_.table.MakeIndexFolge();
-  t_.table.MakeIndexStatus();
-  std::string const whole = Written([&](FILE* f) {
-    t_.table.WriteIndexID(f);
-    t_.table.WriteIndexFolge(f);
-    t_.table.WriteIndexStatus(f);
-  });
-  auto const read = [&](FILE* f) {
-    t_.table.ReadIndexID(f);
-    t_.table.ReadIndexFolge(f);
-    t_.table.ReadIndexStatus(f);
-    t_.table.ResortIndexID();
-  };
-  for (std::size_t i = 0; i <= whole.size(); ++i) {
-    ReadFrom(whole.substr(0, i), read);
-    if (i == whole.size()) break;
-    std::string flipped = whole;
-    flipped[i] = static_cast<char>(~flipped[i]);
-    ReadFrom(flipped, read);
-    ASSERT_EQ(4u, TableAccess::Folge(t_.table).size()) << i;
-  }
-}
-
 TEST_F(IndexSections, WithoutAStreamNothingHappens) {
   t_.table.MakeIndexID();
   t_.table.WriteIndexID(nullptr);
