@@ -85,6 +85,8 @@ double CaseSeconds() {
 #endif
 }
 
+int ShortCases(int cases) { return CaseSeconds() > 1 ? cases / 6 : cases; }
+
 CaseWatch::CaseWatch() {
   for (int const signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL}) {
     std::signal(signal, OnSignal);

@@ -13,6 +13,10 @@ namespace tabwerk::test {
 // is longer where sanitizers or valgrind (TABWERK_SLOW) slow the code down.
 double CaseSeconds();
 
+// How many of that many cases a short run has time for: a sixth where the code
+// is slow.
+int ShortCases(int cases);
+
 // Runs cases in this process.  When one of them crashes, or does not come back
 // for two minutes, the program ends and says which one it was.
 class CaseWatch {

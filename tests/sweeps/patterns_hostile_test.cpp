@@ -218,7 +218,8 @@ class SweepPatternsHostile : public testing::Test {
 TEST_F(SweepPatternsHostile, AnswerInTimeOnASmallStack) {
   auto const patterns = Patterns();
   auto const texts = Texts();
-  Sweep const sweep(patterns.size() * texts.size(), 80);
+  Sweep const sweep(patterns.size() * texts.size(),
+                    static_cast<std::size_t>(ShortCases(80)));
   for (auto i = sweep.first(); i < patterns.size() * texts.size();
        i += sweep.step()) {
     Search(texts[i % texts.size()], patterns[i / texts.size()]);
@@ -250,7 +251,7 @@ std::u16string LongPattern(int seed) {
 
 TEST_F(SweepPatternsHostile, OfAnyKindAnswerInTimeOnASmallStack) {
   auto const texts = Texts();
-  int const count = WholeSweep() ? 500 : 20;
+  int const count = WholeSweep() ? 500 : ShortCases(20);
   for (int seed = 1; seed <= count; ++seed) {
     auto const pattern = LongPattern(seed);
     auto const& text = texts[static_cast<unsigned>(seed) % texts.size()];

@@ -39,8 +39,12 @@ std::string OfMatcher(std::u16string const& pattern,
 
 std::string OfStandard(std::u16string const& pattern,
                        std::u16string const& text) {
+  // Without back-tracking: else a short pattern may take it for ever, or all
+  // of the stack.
+  constexpr auto kFlags = codes::ECMAScript | codes::__polynomial;
   return Answered([&] {
-    return std::regex_match(WidenUnits(text), std::wregex(WidenUnits(pattern)));
+    std::wregex const expression(WidenUnits(pattern), kFlags);
+    return std::regex_match(WidenUnits(text), expression);
   });
 }
 
@@ -73,26 +77,11 @@ class SweepPatterns : public testing::Test {
     ++(expected == "match"       ? matched_
        : expected == "malformed" ? malformed_
                                  : others_);
-    EXPECT_TRUE(expected == got || RefersBack(pattern, got))
-        << "seed " << seed << ": " << Units(pattern) << " on " << Units(text)
-        << ": " << expected << ", not " << got;
-    EXPECT_TRUE(got == unasked || RefersBack(pattern, unasked))
+    EXPECT_EQ(expected, got)
+        << "seed " << seed << ": " << Units(pattern) << " on " << Units(text);
+    EXPECT_EQ(got, unasked)
         << "seed " << seed << ", unasked: " << Units(pattern) << " on "
-        << Units(text) << ": " << got << ", not " << unasked;
-  }
-
-  // What a group matched cannot be referred to: the one thing that the matcher
-  // refuses in short patterns.
-  static bool RefersBack(std::u16string const& pattern,
-                         std::string const& answer) {
-    for (std::size_t i = 0; i + 1 < pattern.size(); ++i) {
-      if (pattern[i] != u'\\') continue;
-      ++i;
-      if (pattern[i] >= u'1' && pattern[i] <= u'9') {
-        return answer == "complexity" || answer == "malformed";
-      }
-    }
-    return false;
+        << Units(text);
   }
 
   // TABWERK_SEED, else 1.
@@ -109,7 +98,7 @@ class SweepPatterns : public testing::Test {
 };
 
 TEST_F(SweepPatterns, AnswerAsTheStandardLibraryDoes) {
-  Compare(WholeSweep() ? 1'000'000 : 20'000);
+  Compare(WholeSweep() ? 1'000'000 : ShortCases(20'000));
   EXPECT_GT(matched_, 0);
   EXPECT_GT(malformed_, 0);
   ReportSweep("patterns, random",
