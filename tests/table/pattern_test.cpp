@@ -107,6 +107,13 @@ TEST(Pattern, LookaheadsMatchWithoutTakingText) {
   EXPECT_TRUE(Matches(u"(?=.*$)ab", u"ab"));
 }
 
+// The standard library takes the place of a lookahead for the beginning.
+TEST(Pattern, BeginningInALookaheadIsThatOfTheText) {
+  EXPECT_FALSE(Matches(u"a(?=^b)b", u"ab"));
+  EXPECT_TRUE(Matches(u".*(?!^)", u"baaa"));
+  EXPECT_TRUE(Matches(u"(?=^a)a", u"a"));
+}
+
 TEST(Pattern, MalformedExpressionsGiveTheStandardLibrarysError) {
   EXPECT_EQ(codes::error_paren, ErrorOf(u"(a"));
   EXPECT_EQ(codes::error_paren, ErrorOf(u"a)"));
