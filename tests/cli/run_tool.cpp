@@ -1,5 +1,6 @@
 #include "tests/cli/run_tool.h"
 
+#include "tests/support/child_process.h"
 #include "tests/support/places.h"
 #include "tests/support/temp_folder.h"
 #include "ztypes.h"
@@ -20,19 +21,6 @@ namespace tabwerk::test {
 
 namespace {
 
-// One word of a command line, as the C library takes it apart again.
-std::wstring Quoted(std::string const& argument) {
-  std::wstring text = L"\"";
-  std::size_t backslashes = 0;
-  for (wchar_t const unit : zWString::fromUtf8(argument).toStdWString()) {
-    if (unit == L'"') text.append(backslashes + 1, L'\\');
-    backslashes = unit == L'\\' ? backslashes + 1 : 0;
-    text += unit;
-  }
-  text.append(backslashes, L'\\');
-  return text + L"\"";
-}
-
 HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
   SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
   return CreateFileW(path.c_str(), for_writing ? GENERIC_WRITE : GENERIC_READ,
@@ -46,8 +34,9 @@ HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
 ToolRun RunTool(std::filesystem::path const& folder,
                 std::vector<std::string> const& arguments) {
   TempFolder const streams;
-  std::wstring line = Quoted(ToolPath());
-  for (std::string const& argument : arguments) line += L" " + Quoted(argument);
+  std::wstring line = QuotedWord(ToolPath());
+  for (std::string const& argument : arguments)
+    line += L" " + QuotedWord(argument);
 
   STARTUPINFOW start = {};
   start.cb = sizeof start;

@@ -14,6 +14,8 @@
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
+
+#include "ztypes.h"
 #else
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -68,6 +70,18 @@ void EndAtOnce(int exit_code) {
   std::abort();
 }
 
+std::wstring QuotedWord(std::string const& argument) {
+  std::wstring text = L"\"";
+  std::size_t backslashes = 0;
+  for (wchar_t const unit : zWString::fromUtf8(argument).toStdWString()) {
+    if (unit == L'"') text.append(backslashes + 1, L'\\');
+    backslashes = unit == L'\\' ? backslashes + 1 : 0;
+    text += unit;
+  }
+  text.append(backslashes, L'\\');
+  return text + L"\"";
+}
+
 struct ChildProcess::System {
   HANDLE process = nullptr;
   HANDLE to_child = nullptr;
@@ -89,7 +103,7 @@ std::wstring CommandLine(std::string const& name, Arguments const& args) {
   Arguments words = {name};
   words.insert(words.end(), args.begin(), args.end());
   for (std::string const& word : words) {
-    line += L" \"" + std::wstring(word.begin(), word.end()) + L"\"";
+    line += L" " + QuotedWord(word);
   }
   return line;
 }

@@ -46,10 +46,15 @@ void AwaitParent();
 // cleaned up.
 [[noreturn]] void EndAtOnce(int exit_code);
 
+#ifdef _WIN32
+// One word of a command line, as the C library takes it apart again.
+std::wstring QuotedWord(std::string const& argument);
+#endif
+
 // A started child.  The destructor kills it where it still runs.
 class ChildProcess {
  public:
-  // Arguments are plain ASCII without quotes and line ends.
+  // Arguments are plain ASCII without line ends.
   ChildProcess(std::string const& name, Arguments const& args);
   ~ChildProcess();
   ChildProcess(ChildProcess const&) = delete;
