@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tests/support/child_process.h"
+#include "tests/support/disk_trace.h"
 #include "tests/support/memory_meter.h"
 
 namespace tabwerk::test {
@@ -177,6 +178,7 @@ int LiveBlocks() { return TheState().live_blocks; }
 namespace tabwerk::platform {
 
 using test::Call;
+using test::DiskStep;
 using test::MarkFailed;
 using test::MustFail;
 using test::TheState;
@@ -187,7 +189,10 @@ FILE* OpenFile(zWString const& path, Mode mode, Share share, Error* error) {
     *error = TheState().plan.error;
     return nullptr;
   }
-  return test::Opened(os::OpenFile(path, mode, share, error));
+  bool const was_there = test::IsTraced() && os::Exists(path);
+  FILE* const stream = os::OpenFile(path, mode, share, error);
+  test::TraceOpened(stream, path, mode, was_there);
+  return test::Opened(stream);
 }
 
 FILE* OpenPlain(char const* path, char const* mode) {
@@ -209,7 +214,10 @@ std::size_t Write(FILE* stream, void const* bytes, std::size_t size) {
     MarkFailed(stream);
     return os::Write(stream, bytes, test::PortionOf(size));
   }
-  return os::Write(stream, bytes, size);
+  auto const offset = test::IsTraced() ? os::Tell(stream) : 0;
+  auto const taken = os::Write(stream, bytes, size);
+  test::TraceWritten(stream, offset, bytes, taken);
+  return taken;
 }
 
 bool WriteText(FILE* stream, std::u16string_view text) {
@@ -251,13 +259,17 @@ bool Sync(FILE* stream) {
     MarkFailed(stream);
     return false;
   }
-  return TheState().skips_sync ? os::Flush(stream) : os::Sync(stream);
+  bool const synced =
+      TheState().skips_sync ? os::Flush(stream) : os::Sync(stream);
+  if (synced) test::TraceSynced(stream);
+  return synced;
 }
 
 bool Close(FILE* stream) {
   bool const must_fail = MustFail(Call::kClose);
   TheState().failed_streams.erase(stream);
   --TheState().open_streams;
+  test::TraceClosed(stream);
   return os::Close(stream) && !must_fail;
 }
 
@@ -271,23 +283,33 @@ bool SameFile(zWString const& one, zWString const& other) {
 
 Error Copy(zWString const& from, zWString const& to) {
   test::Note("Copy", test::NameOf(from) + " > " + test::NameOf(to));
-  return MustFail(Call::kCopy) ? TheState().plan.error : os::Copy(from, to);
+  if (MustFail(Call::kCopy)) return TheState().plan.error;
+  Error const result = os::Copy(from, to);
+  if (result == Error::kNone) test::TraceCopied(to);
+  return result;
 }
 
 Error Delete(zWString const& path) {
   test::Note("Delete", test::NameOf(path));
-  return MustFail(Call::kDelete) ? TheState().plan.error : os::Delete(path);
+  if (MustFail(Call::kDelete)) return TheState().plan.error;
+  Error const result = os::Delete(path);
+  if (result == Error::kNone) test::TraceStep(DiskStep::Kind::kDelete, path);
+  return result;
 }
 
 Error Replace(zWString const& from, zWString const& to) {
   test::Note("Replace", test::NameOf(from) + " > " + test::NameOf(to));
-  return MustFail(Call::kReplace) ? TheState().plan.error
-                                  : os::Replace(from, to);
+  if (MustFail(Call::kReplace)) return TheState().plan.error;
+  Error const result = os::Replace(from, to);
+  if (result == Error::kNone) test::TraceReplaced(from, to);
+  return result;
 }
 
 bool SyncFolderOf(zWString const& path) {
   if (MustFail(Call::kSyncFolderOf)) return false;
-  return TheState().skips_sync || os::SyncFolderOf(path);
+  if (!TheState().skips_sync && !os::SyncFolderOf(path)) return false;
+  test::TraceStep(DiskStep::Kind::kSyncFolder, path);
+  return true;
 }
 
 bool ClearReadOnly(zWString const& path) {
@@ -301,8 +323,10 @@ zWString TempFolder() {
 
 zWString MakeTempFile(zWString const& folder, char const* prefix) {
   test::Note("MakeTempFile", prefix);
-  return MustFail(Call::kMakeTempFile) ? zWString()
-                                       : os::MakeTempFile(folder, prefix);
+  if (MustFail(Call::kMakeTempFile)) return zWString();
+  zWString const path = os::MakeTempFile(folder, prefix);
+  if (!path.isEmpty()) test::TraceStep(DiskStep::Kind::kCreate, path);
+  return path;
 }
 
 std::int64_t Now() { return os::Now(); }

@@ -277,7 +277,9 @@ std::string WriteStory::IndexOnDisk() const {
   if (!index) return "BAD: no index";
   std::vector<std::int64_t> stamps;
   for (auto const* name : {"MAIN.db", "USER.UDB"}) {
-    stamps.push_back(ReadDatabase(Path(name)).time_stamp);
+    auto const file = DecodeDatabase(Bytes(name));
+    if (!file) return std::string("BAD: no database file ") + name;
+    stamps.push_back(file->time_stamp);
   }
   if (index->time_stamps != stamps) return "BAD: index of other files";
   std::map<std::string, std::string> sections;

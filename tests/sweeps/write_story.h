@@ -4,11 +4,10 @@
 #define TABWERK_TESTS_SWEEPS_WRITE_STORY_H
 
 #include <cstdint>
-#include <map>
 #include <string>
-#include <vector>
 
 #include "tests/support/database_fixture.h"
+#include "tests/support/disk_model.h"
 
 namespace tabwerk::test {
 
@@ -36,9 +35,6 @@ std::string NameOfCase(testing::TestParamInfo<Writing> const& tested);
 bool Prepare(std::string const& folder, Writing writing);
 // Writes.
 bool CarryOut(std::string const& folder, Writing writing);
-
-// Content by name of all files of a folder.
-using FolderImage = std::map<std::string, std::vector<unsigned char>>;
 
 class WriteStory : public DatabaseTest {
  protected:
