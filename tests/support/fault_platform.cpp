@@ -5,6 +5,7 @@
 #include <cassert>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "tests/support/child_process.h"
 #include "tests/support/disk_trace.h"
@@ -20,6 +21,7 @@ struct Plan {
   bool lasting = false;
   platform::Error error = platform::Error::kInputOutput;
   Portion portion = Portion::kHalf;
+  std::function<void()> action = {};
 };
 
 struct State {
@@ -31,6 +33,7 @@ struct State {
   std::array<std::int64_t, kCallKinds> counts = {};
   std::vector<std::string> trace;
   std::set<FILE*> failed_streams;
+  platform::Error last_open_error = platform::Error::kNone;
   int open_streams = 0;
   int live_blocks = 0;
   bool skips_sync = false;
@@ -62,6 +65,12 @@ bool MustFail(Call call) {
     EndAtOnce(kKilledExitCode);
   }
   state.fired = true;
+  if (plan.action) {
+    state.guarded = false;
+    plan.action();
+    state.guarded = true;
+    return false;
+  }
   state.first_failed = Only(call);
   state.failing = plan.lasting;
   return true;
@@ -136,11 +145,22 @@ void FaultGuard::FailAt(std::int64_t n, Lasting lasting, CallSet calls,
   state.failing = false;
   state.fired = false;
   state.first_failed = 0;
-  state.plan = {n, calls, false, lasting == Lasting::kForGood, error, portion};
+  state.plan = Plan{.calls_left = n,
+                    .calls = calls,
+                    .lasting = lasting == Lasting::kForGood,
+                    .error = error,
+                    .portion = portion};
 }
 
 void FaultGuard::KillAt(std::int64_t n, CallSet calls) {
   TheState().plan = Plan{.calls_left = n, .calls = calls, .kills = true};
+}
+
+void FaultGuard::ActAt(std::int64_t n, CallSet calls,
+                       std::function<void()> action) {
+  TheState().fired = false;
+  TheState().plan =
+      Plan{.calls_left = n, .calls = calls, .action = std::move(action)};
 }
 
 void FaultGuard::Disarm() {
@@ -169,6 +189,8 @@ SyncSkip::SyncSkip() { TheState().skips_sync = true; }
 
 SyncSkip::~SyncSkip() { TheState().skips_sync = false; }
 
+platform::Error LastOpenError() { return TheState().last_open_error; }
+
 int OpenStreams() { return TheState().open_streams; }
 
 int LiveBlocks() { return TheState().live_blocks; }
@@ -186,11 +208,12 @@ using test::TheState;
 FILE* OpenFile(zWString const& path, Mode mode, Share share, Error* error) {
   test::Note("OpenFile", test::NameOf(path));
   if (MustFail(Call::kOpenFile)) {
-    *error = TheState().plan.error;
+    *error = TheState().last_open_error = TheState().plan.error;
     return nullptr;
   }
   bool const was_there = test::IsTraced() && os::Exists(path);
   FILE* const stream = os::OpenFile(path, mode, share, error);
+  if (stream == nullptr) TheState().last_open_error = *error;
   test::TraceOpened(stream, path, mode, was_there);
   return test::Opened(stream);
 }

@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -92,6 +93,9 @@ class FaultGuard {
   // Ends the process right before the n-th call of the set, without handing
   // buffered output to the system.
   void KillAt(std::int64_t n, CallSet calls = kFileCalls);
+  // Does something, for example what another program could do, right before
+  // the n-th call of the set.  Calls that it makes are not counted.
+  void ActAt(std::int64_t n, CallSet calls, std::function<void()> action);
   // Nothing fails any more; counts and trace stay.
   void Disarm();
 
@@ -117,6 +121,8 @@ class SyncSkip {
   SyncSkip& operator=(SyncSkip const&) = delete;
 };
 
+// Why the last OpenFile that failed did so.
+platform::Error LastOpenError();
 // Streams that were opened and not yet closed.
 int OpenStreams();
 // Blocks that were allocated and not yet freed.
