@@ -68,6 +68,9 @@ int DBbase::Open(zWString const& name, bool forWrite, bool create) {
     if (OpenDatabaseFile(forWrite, create, directory) == 0) return 0;
     // Not examined: a database is open whatever becomes of its index file.
     (void)Guarded(0, [&] { return MakeIndexFile(directory); });
+    // Not before: while a file is open nobody replaces it, so the index that
+    // was read belongs to the rows that were read.
+    if (!create && !forWrite) directory->CloseDBdatei();
     return 1;
   });
 }
@@ -184,7 +187,6 @@ int ManagerAccess::OpenFiles(DBbase& manager, bool for_write, bool create,
     (void)manager.Close(zWString());
     return 0;
   }
-  if (!create && !for_write) directory->CloseDBdatei();
   return 1;
 }
 

@@ -52,7 +52,7 @@ struct ManagerAccess {
   static DBDirectory* First(DBbase const& manager);
   // OpenDatabaseFile with a choice of what to do with files made anew: null
   // empties them, otherwise they keep their content and *made is set when one
-  // was not there before.
+  // was not there before.  The files stay open.
   static int OpenFiles(DBbase& manager, bool for_write, bool create,
                        bool* made);
   // Loads the table of an entry as DBbase::OpenTabelle does.

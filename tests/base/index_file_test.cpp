@@ -326,6 +326,25 @@ TEST_F(IndexFile, ThatWaitsForTheFilesTimeStampIsTakenOver) {
   EXPECT_EQ("[1][1][1][1]", Status());
 }
 
+// Else a save could replace file and index between the two.
+TEST_F(IndexFile, IsReadWhileTheFilesAreStillOpen) {
+  OpenStock();
+  DBbase::Init({}, {});
+  FaultGuard faults;
+  auto error = platform::Error::kNone;
+  // Main file, user file, waiting indices of both; then the index.
+  faults.ActAt(5, Only(Call::kOpenFile), [&] {
+    EXPECT_EQ("OpenFile STOCK.idx", faults.Trace().back());
+    auto* const stream =
+        platform::os::OpenFile(W(Path("USER.UDB")), platform::Mode::kUpdate,
+                               platform::Share::kDenyAll, &error);
+    if (stream != nullptr) (void)platform::os::Close(stream);
+  });
+  OpenStock(false);
+  EXPECT_TRUE(faults.Fired());
+  EXPECT_EQ(platform::Error::kHeld, error);
+}
+
 TEST_F(IndexFile, ThatWaitsForAnotherTimeStampIsNot) {
   OpenStock();
   WriteFileBytes(Path("STOCK.idx.2001"), EncodeIndex(Good()));
