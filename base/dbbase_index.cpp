@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "DBbase.h"
@@ -39,8 +40,8 @@ constexpr int kIndexWritten = 2;
 
 // What is known of a database's index file.
 enum class Finding : std::uint8_t {
-  kValidAndApplied,
-  kStaleAndApplied,
+  kValid,
+  kStale,       // its order and status are to be carried over
   kNone,        // there is none, or what is there counts as missing
   kUnreadable,  // it still holds, or may hold, the user's order
 };
@@ -76,71 +77,101 @@ std::span<std::byte const> BytesOf(platform::Block const& block) {
   return {block.data(), block.size()};
 }
 
-// What is found of the indices that wait for the stamps of a database's files.
-struct Waiting {
-  bool unknown = false;            // one of them could not be read
-  std::optional<zWString> newest;  // path
+// An index file as it was found.
+struct FoundIndex {
+  Finding finding;
+  bool missing = false;
+  platform::Block content = {};
 };
 
-// An index that waits for one of the stamps that the files now carry belongs to
-// a save that was interrupted right before its last step.  Of several, the
-// newest is the one that knows the other files' present stamps.
-Waiting FindWaiting(zWString const& path, DBDirectory const& directory,
-                    std::vector<DBTabelle*> const& tables) {
-  Waiting waiting;
+FoundIndex ReadIndex(zWString const& path, DBDirectory const& directory,
+                     std::vector<DBTabelle*> const& tables) {
+  bool missing = false;
+  auto content = tabwerk::ReadIndexBytes(path, &missing);
+  if (missing) return {Finding::kNone, true};
+  if (!content) return {Finding::kUnreadable};
+  auto const kind = tabwerk::CheckIndex(BytesOf(*content), directory, tables);
+  if (kind == IndexContent::kUnusable) return {Finding::kNone};
+  return {kind == IndexContent::kValid ? Finding::kValid : Finding::kStale,
+          false, std::move(*content)};
+}
+
+// An index that waits for the stamp that a file now carries: it belongs to a
+// save that was interrupted right before its last step, or is about to do it.
+struct WaitingIndex {
+  zWString path;
+  std::size_t position;  // of the file
+  FoundIndex index;
+};
+
+// Those of all files.  One that is not whole is deleted: its save ended before.
+std::vector<WaitingIndex> FindWaiting(zWString const& path,
+                                      DBDirectory const& directory,
+                                      std::vector<DBTabelle*> const& tables) {
+  std::vector<WaitingIndex> waiting;
   auto const stamps = tabwerk::TimeStamps(directory);
   for (std::size_t i = 0; i < stamps.size(); ++i) {
     auto const pending = tabwerk::PendingIndexPath(path, stamps[i]);
-    bool missing = false;
-    auto const content = tabwerk::ReadIndexBytes(pending, &missing);
-    if (missing) continue;
-    if (!content) {
-      waiting.unknown = true;
-      continue;
-    }
-    auto const bytes = BytesOf(*content);
-    if (tabwerk::CheckIndex(bytes, directory, tables) ==
-        IndexContent::kUnusable) {
-      tabwerk::DeleteLeftover(pending);  // its save ended before it was whole
-      continue;
-    }
-    if (!waiting.newest || tabwerk::KnowsStampsBut(bytes, stamps, i)) {
-      waiting.newest = pending;
+    auto index = ReadIndex(pending, directory, tables);
+    if (index.missing) continue;
+    if (index.finding == Finding::kNone) {
+      tabwerk::DeleteLeftover(pending);
+    } else {
+      waiting.push_back({pending, i, std::move(index)});
     }
   }
   return waiting;
 }
 
-// The path to read the index from: a waiting index is moved to its place, or
-// read where it is.  Nothing when that cannot be found out.
-std::optional<zWString> SettlePendingIndex(
-    zWString const& path, DBDirectory const& directory,
-    std::vector<DBTabelle*> const& tables) {
-  auto const waiting = FindWaiting(path, directory, tables);
-  if (waiting.unknown) return std::nullopt;
-  if (!waiting.newest) return path;
-  auto const moved = platform::Replace(*waiting.newest, path);
-  return moved == platform::Error::kNone ? path : *waiting.newest;
+// The newest of several is the one that knows the other files' present stamps.
+WaitingIndex* Newest(std::vector<WaitingIndex>& waiting,
+                     std::vector<long long> const& stamps) {
+  WaitingIndex* newest = nullptr;
+  for (auto& one : waiting) {
+    if (newest == nullptr || tabwerk::KnowsStampsBut(BytesOf(one.index.content),
+                                                     stamps, one.position)) {
+      newest = &one;
+    }
+  }
+  return newest;
 }
 
-Finding ApplyIndex(zWString const& path, DBDirectory const& directory,
-                   std::vector<DBTabelle*> const& tables) {
-  auto const source = SettlePendingIndex(path, directory, tables);
-  if (!source) return Finding::kUnreadable;
-  bool missing = false;
-  auto const content = tabwerk::ReadIndexBytes(*source, &missing);
-  if (missing) return Finding::kNone;
-  if (!content) return Finding::kUnreadable;
-  auto const bytes = BytesOf(*content);
-  auto const kind = tabwerk::CheckIndex(bytes, directory, tables);
-  if (kind == IndexContent::kUnusable) return Finding::kNone;
-  MemorySource const sections(bytes.subspan(tabwerk::StampBytes(directory)));
-  if (kind == IndexContent::kValid) {
-    return ApplyValid(sections, tables) ? Finding::kValidAndApplied
-                                        : Finding::kUnreadable;
+// The index that belongs to the files: the newest waiting one, which is moved
+// to its place where possible, or the one that is there.
+FoundIndex FindIndex(zWString const& path, DBDirectory const& directory,
+                     std::vector<DBTabelle*> const& tables) {
+  auto waiting = FindWaiting(path, directory, tables);
+  // Behind the waiting ones, because another program may be moving them here.
+  auto current = ReadIndex(path, directory, tables);
+  bool unknown = current.finding == Finding::kUnreadable;
+  for (auto const& one : waiting) {
+    unknown = unknown || one.index.finding == Finding::kUnreadable;
   }
-  return ApplyStale(sections, tables) ? Finding::kStaleAndApplied
-                                      : Finding::kUnreadable;
+  if (unknown) return {Finding::kUnreadable};
+  auto const stamps = tabwerk::TimeStamps(directory);
+  // The index in place was written behind one whose stamp it knows.
+  auto const is_outdated = [&](WaitingIndex const& one) {
+    return tabwerk::KnowsStamp(BytesOf(current.content), stamps, one.position);
+  };
+  for (auto const& one : waiting) {
+    if (is_outdated(one)) tabwerk::DeleteLeftover(one.path);
+  }
+  std::erase_if(waiting, is_outdated);
+  auto* const newest = Newest(waiting, stamps);
+  if (newest == nullptr) return current;
+  // Not examined: it is as good where it is.
+  (void)platform::Replace(newest->path, path);
+  return std::move(newest->index);
+}
+
+// False when memory was exhausted: what the index holds is not in the tables.
+bool ApplyIndex(FoundIndex const& index, DBDirectory const& directory,
+                std::vector<DBTabelle*> const& tables) {
+  if (index.finding == Finding::kNone) return true;
+  MemorySource const sections(
+      BytesOf(index.content).subspan(tabwerk::StampBytes(directory)));
+  return index.finding == Finding::kValid ? ApplyValid(sections, tables)
+                                          : ApplyStale(sections, tables);
 }
 
 // False when another program has replaced a file that this one has read and
@@ -164,6 +195,38 @@ bool FilesAreAsRead(DBDirectory const& directory) {
   return true;
 }
 
+zWString LockPath(zWString const& path) { return path + zWString(u"L"); }
+
+// With the lock held: the index of these tables takes the place of the old one.
+// The tables have it then, too.
+bool ReplaceIndex(zWString const& path, DBDirectory const& directory,
+                  std::vector<DBTabelle*> const& tables) {
+  if (!FilesAreAsRead(directory)) return false;
+  auto const fresh = path + zWString(u"T");
+  auto const stamps = tabwerk::TimeStamps(directory);
+  // Nothing that needs memory may follow the move.
+  std::vector<zWString> older;
+  for (auto const stamp : stamps) {
+    older.push_back(tabwerk::PendingIndexPath(path, stamp));
+  }
+  auto built = tabwerk::CopiesOf(tables);
+  if (!tabwerk::WriteIndex(fresh, stamps, tabwerk::PointersTo(built))) {
+    return false;
+  }
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    TableAccess::TakeIndices(*tables[i], built[i]);
+  }
+  auto const error = Guarded(platform::Error::kInputOutput,
+                             [&] { return platform::Replace(fresh, path); });
+  if (error != platform::Error::kNone) {
+    tabwerk::DeleteLeftover(fresh);
+    return false;
+  }
+  // One that could not be moved to its place is older than this one.
+  for (auto const& waiting : older) tabwerk::DeleteLeftover(waiting);
+  return true;
+}
+
 }  // namespace
 
 zWString DBbase::IndexFileName(DBDirectory* directory) const {
@@ -177,34 +240,12 @@ int DBbase::WriteIndexToFile(DBDirectory* directory) const {
     if (path.isEmpty()) return kIndexNotWritten;
     std::vector<DBTabelle*> tables;
     if (!tabwerk::LoadedTables(*directory, &tables)) return kIndexNotWritten;
-    FileLock const lock(path + zWString(u"L"));
-    if (!lock.IsHeld() || DirectoryAccess::IndexUnread(*directory) ||
-        !FilesAreAsRead(*directory)) {
+    FileLock const lock(LockPath(path));
+    if (!lock.IsHeld() || DirectoryAccess::IndexUnread(*directory)) {
       return kIndexNotWritten;
     }
-    auto const fresh = path + zWString(u"T");
-    auto const stamps = tabwerk::TimeStamps(*directory);
-    // Nothing that needs memory may follow the move.
-    std::vector<zWString> older;
-    for (auto const stamp : stamps) {
-      older.push_back(tabwerk::PendingIndexPath(path, stamp));
-    }
-    auto built = tabwerk::CopiesOf(tables);
-    if (!tabwerk::WriteIndex(fresh, stamps, tabwerk::PointersTo(built))) {
-      return kIndexNotWritten;
-    }
-    for (std::size_t i = 0; i < tables.size(); ++i) {
-      TableAccess::TakeIndices(*tables[i], built[i]);
-    }
-    auto const error = Guarded(platform::Error::kInputOutput,
-                               [&] { return platform::Replace(fresh, path); });
-    if (error != platform::Error::kNone) {
-      tabwerk::DeleteLeftover(fresh);
-      return kIndexNotWritten;
-    }
-    // One that could not be moved to its place is older than this one.
-    for (auto const& waiting : older) tabwerk::DeleteLeftover(waiting);
-    return kIndexWritten;
+    return ReplaceIndex(path, *directory, tables) ? kIndexWritten
+                                                  : kIndexNotWritten;
   });
 }
 
@@ -219,10 +260,23 @@ int DBbase::MakeIndexFile(DBDirectory* directory) const {
     for (auto* table : tables) BuildIndices(*table);
     return kIndexInMemoryOnly;
   }
-  auto const finding = ApplyIndex(path, *directory, tables);
-  DirectoryAccess::IndexUnread(*directory) = finding == Finding::kUnreadable;
-  if (finding == Finding::kValidAndApplied) return kValidIndexRead;
-  if (WriteIndexToFile(directory) != kIndexNotWritten) return kIndexRebuilt;
+  auto index = FindIndex(path, *directory, tables);
+  std::optional<FileLock> lock;
+  if (index.finding == Finding::kStale || index.finding == Finding::kNone) {
+    // Whoever has the lock writes the index, and may wait for the files that
+    // are open here.
+    lock.emplace(LockPath(path), FileLock::Patience::kNone);
+    // Another program may have written it before the lock was had.
+    if (lock->IsHeld()) index = FindIndex(path, *directory, tables);
+  }
+  bool const applied = index.finding != Finding::kUnreadable &&
+                       ApplyIndex(index, *directory, tables);
+  DirectoryAccess::IndexUnread(*directory) = !applied;
+  if (applied && index.finding == Finding::kValid) return kValidIndexRead;
+  bool const written = applied && lock && lock->IsHeld() && Guarded(false, [&] {
+                         return ReplaceIndex(path, *directory, tables);
+                       });
+  if (written) return kIndexRebuilt;
   for (auto* table : tables) BuildIndices(*table);
   return kIndexInMemoryOnly;
 }

@@ -31,9 +31,12 @@ void DeleteLeftover(zWString const& path) noexcept {
                 [&] { return platform::Delete(path); });
 }
 
-FileLock::FileLock(zWString path) : path_(std::move(path)) {
+FileLock::FileLock(zWString path, Patience patience) : path_(std::move(path)) {
   auto error = platform::Error::kNone;
-  stream_ = OpenPatiently(path_, platform::Mode::kCreate, &error);
+  stream_ = patience == Patience::kTwoSeconds
+                ? OpenPatiently(path_, platform::Mode::kCreate, &error)
+                : platform::OpenFile(path_, platform::Mode::kCreate,
+                                     platform::Share::kDenyAll, &error);
 }
 
 FileLock::~FileLock() {

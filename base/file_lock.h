@@ -22,8 +22,11 @@ void DeleteLeftover(zWString const& path) noexcept;
 // its end.  What a program that was killed has left there does not matter.
 class FileLock {
  public:
-  // Waits for up to two seconds while another program has the lock.
-  explicit FileLock(zWString path);
+  enum class Patience : bool {
+    kNone,
+    kTwoSeconds,  // while another program has the lock
+  };
+  explicit FileLock(zWString path, Patience patience = Patience::kTwoSeconds);
   FileLock(FileLock const&) = delete;
   FileLock& operator=(FileLock const&) = delete;
   ~FileLock();

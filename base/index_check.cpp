@@ -74,6 +74,16 @@ bool CheckTable(MemorySource* source, std::optional<int> row_count) {
 
 }  // namespace
 
+bool KnowsStamp(std::span<std::byte const> content,
+                std::vector<long long> const& stamps, std::size_t position) {
+  MemorySource source(content);
+  std::optional<std::int64_t> stamp;
+  for (std::size_t i = 0; i <= position; ++i) {
+    stamp = Next<std::int64_t>(&source);
+  }
+  return stamp && *stamp == stamps[position];
+}
+
 bool KnowsStampsBut(std::span<std::byte const> content,
                     std::vector<long long> const& stamps,
                     std::size_t position) {

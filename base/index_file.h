@@ -52,6 +52,11 @@ IndexContent CheckIndex(std::span<std::byte const> content,
                         DBDirectory const& directory,
                         std::vector<DBTabelle*> const& tables);
 
+// True when the content has, at that position, the time stamp that stands there
+// in stamps: it was written when the file already had it.
+bool KnowsStamp(std::span<std::byte const> content,
+                std::vector<long long> const& stamps, std::size_t position);
+
 // True when the content has these time stamps, but for the one at that
 // position.
 bool KnowsStampsBut(std::span<std::byte const> content,

@@ -45,6 +45,19 @@ class IndexFile : public DatabaseTest {
               {-1, 3, 2, 1, 0},
               {1, 1, 1, 1}}}};
   }
+  // The index as before the last save.
+  void LeaveStaleIndex() const {
+    auto stale = Index();
+    stale.time_stamps = {1000, 1999};
+    WriteIndex(stale);
+  }
+  // The same with the index of that save, which was not moved to its place.
+  void LeaveWaitingIndex() const {
+    LeaveStaleIndex();
+    auto waiting = Good();
+    waiting.time_stamps = {1000, 1999};
+    WriteFileBytes(Path("STOCK.idx.2000"), EncodeIndex(waiting));
+  }
   static std::string Folge() { return Column(Table("ARTIKEL"), "FOLGE"); }
   static std::string Status() { return Column(Table("ARTIKEL"), "STATUS"); }
 
@@ -318,11 +331,35 @@ TEST_F(IndexFile, WritingReturnsTwoAndMovesTheTablesToTheLastStatus) {
 TEST_F(IndexFile, ThatWaitsForTheFilesTimeStampIsTakenOver) {
   OpenStock();
   DBbase::Init({}, {});
-  auto pending = Good();
-  pending.time_stamps = {1000, 1999};
-  WriteFileBytes(Path("STOCK.idx.2000"), EncodeIndex(pending));
+  LeaveWaitingIndex();
   OpenStock();
   EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+  EXPECT_EQ("[1][1][1][1]", Status());
+}
+
+// It could not be deleted when the next one took its place.
+TEST_F(IndexFile, ThatWaitsIsNotTakenOverANewerOne) {
+  OpenStock();
+  DBbase::Init({}, {});
+  auto const newer = Bytes("STOCK.idx");
+  LeaveWaitingIndex();
+  WriteFileBytes(Path("STOCK.idx"), newer);
+  OpenStock();
+  EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+  EXPECT_EQ("[0][0][0][0]", Status());
+}
+
+// The program whose save it belongs to moves it while another one opens.
+TEST_F(IndexFile, ThatWaitsMayBeMovedWhileItIsFound) {
+  OpenStock();
+  DBbase::Init({}, {});
+  LeaveWaitingIndex();
+  FaultGuard faults;
+  faults.ActAt(1, Only(Call::kReplace), [this] {
+    std::filesystem::rename(Path("STOCK.idx.2000"), Path("STOCK.idx"));
+  });
+  OpenStock();
+  EXPECT_TRUE(faults.Fired());
   EXPECT_EQ("[1][1][1][1]", Status());
 }
 
@@ -343,6 +380,26 @@ TEST_F(IndexFile, IsReadWhileTheFilesAreStillOpen) {
   OpenStock(false);
   EXPECT_TRUE(faults.Fired());
   EXPECT_EQ(platform::Error::kHeld, error);
+}
+
+// The order that another program writes between the finding of a stale index
+// and its renewal is not lost.
+TEST_F(IndexFile, ThatAnotherProgramHasRenewedIsTaken) {
+  OpenStock();
+  DBbase::Init({}, {});
+  auto renewed = Good();
+  renewed.time_stamps = {1000, 2000};
+  LeaveStaleIndex();
+  FaultGuard faults;
+  // Main file, user file, waiting indices of both, the index; then the lock.
+  faults.ActAt(6, Only(Call::kOpenFile), [&] {
+    EXPECT_EQ("OpenFile STOCK.idxL", faults.Trace().back());
+    WriteFileBytes(Path("STOCK.idx"), EncodeIndex(renewed));
+  });
+  OpenStock();
+  EXPECT_TRUE(faults.Fired());
+  EXPECT_EQ("[1][1][1][1]", Status());
+  EXPECT_EQ(EncodeIndex(renewed), Bytes("STOCK.idx"));
 }
 
 TEST_F(IndexFile, ThatWaitsForAnotherTimeStampIsNot) {
