@@ -21,13 +21,13 @@ void KilledStory::JudgeKilled(Writing writing) {
 void KilledStory::SaveOnceMore(Writing writing, bool is_new) {
   // A copy does not change the rows that the next one is made of.
   bool const is_done = is_new && writing != Writing::kCopy;
-  if (is_done || writing == Writing::kOpening) {
+  if (is_done || OnlyOpens(writing)) {
     OpenStock();
   } else {
     ASSERT_TRUE(Prepare(Folder(), writing));
   }
-  EXPECT_TRUE(CarryOut(
-      Folder(), writing == Writing::kOpening ? Writing::kUserFile : writing));
+  EXPECT_TRUE(
+      CarryOut(Folder(), OnlyOpens(writing) ? Writing::kUserFile : writing));
 }
 
 // Lock files, trial copies and waiting indices for stamps that files carry.

@@ -120,6 +120,7 @@ std::vector<std::string> NeededSyncs(Writing writing) {
     case Writing::kIndex:
       return {"Sync STOCK.idxT", "SyncFolder STOCK.idx"};
     case Writing::kOpening:
+    case Writing::kOpening2:
       break;
   }
   return {"Sync STOCK.idxT"};

@@ -19,14 +19,17 @@ enum class Writing : std::uint8_t {
   kScript,    // the first file built anew by a script
   kIndex,     // order and status alone
   kOpening,   // nothing: a save that died before its last step is settled
+  kOpening2,  // nothing: two such saves, of both files, are settled
 };
 
-constexpr Writing kWritings[] = {Writing::kUserFile, Writing::kMainFile,
-                                 Writing::kCopy,     Writing::kScript,
-                                 Writing::kIndex,    Writing::kOpening};
+constexpr Writing kWritings[] = {
+    Writing::kUserFile, Writing::kMainFile, Writing::kCopy,    Writing::kScript,
+    Writing::kIndex,    Writing::kOpening,  Writing::kOpening2};
 
 char const* NameOf(Writing writing);
 Writing WritingOf(std::string const& name);
+// True where nothing is written but what an opening writes.
+bool OnlyOpens(Writing writing);
 // For tests that are run for each of them.
 std::string NameOfCase(testing::TestParamInfo<Writing> const& tested);
 
@@ -72,6 +75,8 @@ class WriteStory : public DatabaseTest {
 
  private:
   void MakeStart() const;
+  // Saves and lets the index wait.
+  void SaveButTheIndex(Writing writing) const;
   void MakeScript() const;
   std::string IndexOnDisk() const;
 
