@@ -131,12 +131,15 @@ TEST_F(ShareMode, ReadingExcludesCreationOfOtherProcessesOnly) {
   EXPECT_EQ("ok ok ok", Answers(path_));
 }
 
-TEST_F(ShareMode, KilledHolderFreesTheFile) {
-  ChildProcess child("HoldFile", {path_.toUtf8(), kUpdating.name});
-  EXPECT_EQ("holds", child.ReadLine());
-  EXPECT_EQ("held held ok", Answers(path_));
-  child.Kill();
-  EXPECT_EQ("ok ok ok", Answers(path_));
+TEST_F(ShareMode, KilledHolderFreesTheFileAtOnce) {
+  for (Opening const& held : kOpenings) {
+    SCOPED_TRACE(held.name);
+    ChildProcess child("HoldFile", {path_.toUtf8(), held.name});
+    EXPECT_EQ("holds", child.ReadLine());
+    EXPECT_EQ("held", Answer(path_, kCreation));
+    child.Kill();
+    EXPECT_EQ("ok ok ok", Answers(path_));
+  }
 }
 
 TEST_F(ShareMode, ClosingFreesTheFile) {

@@ -111,7 +111,7 @@ long SweepShareGenerations::ReadGeneration(Arguments const& files,
 
 TEST_F(SweepShareGenerations, AReaderSeesOneWholeGeneration) {
   auto const begin = std::chrono::steady_clock::now();
-  long const saves = WholeSweep() ? 10000 : 60;
+  long const saves = WholeSweep() ? 10000 : 200;
   MakeFirst();
   Arguments const files = {Path("MAIN.db"), Path("USER.UDB")};
   ChildProcess writer("SaveGenerations", {files[0], files[1],
@@ -125,7 +125,8 @@ TEST_F(SweepShareGenerations, AReaderSeesOneWholeGeneration) {
     std::string seen;
     auto const generation = ReadGeneration(files, &seen);
     ASSERT_LE(0, generation) << "after generation " << last << ": " << seen;
-    ++reads;
+    // Back to back and with pauses, so that the writer gets its turn.
+    platform::os::Pause(static_cast<int>(++reads % 4));
     if (generation == 0) {
       ++held;
       continue;
