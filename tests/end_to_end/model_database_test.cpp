@@ -14,12 +14,12 @@
 
 #include "DBbase.h"
 #include "platform/platform.h"
-#include "tests/end_to_end/judge.h"
-#include "tests/end_to_end/random_values.h"
-#include "tests/end_to_end/table_judge.h"
 #include "tests/support/database_fixture.h"
+#include "tests/support/judge.h"
 #include "tests/support/plain_manager.h"
 #include "tests/support/plain_model.h"
+#include "tests/support/random_values.h"
+#include "tests/support/table_judge.h"
 #include "tests/support/table_state.h"
 #include "tests/support/temp_folder.h"
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 
 #include "table/table_access.h"
@@ -16,8 +17,13 @@ namespace tabwerk::test {
 class Random {
  public:
   explicit Random(std::uint32_t seed) : engine_(seed) {}
+  // Choices that bytes make, so that a fuzzer can steer them.  Once they are
+  // used up the first choice is taken.  Borrows the bytes.
+  explicit Random(std::span<std::uint8_t const> bytes)
+      : from_bytes_(true), bytes_(bytes) {}
   // From first to last.
   int Between(int first, int last) {
+    if (from_bytes_) return first + static_cast<int>(Take(first, last));
     return std::uniform_int_distribution<int>(first, last)(engine_);
   }
   bool OneIn(int n) { return Between(1, n) == 1; }
@@ -26,8 +32,23 @@ class Random {
     return texts.begin()[Between(0, last)];
   }
 
+  bool UsedUp() const { return from_bytes_ && bytes_.empty(); }
+
  private:
+  // As many bytes as the choices need.
+  std::int64_t Take(std::int64_t first, std::int64_t last) {
+    std::int64_t const choices = last - first + 1;
+    std::int64_t number = 0;
+    for (std::int64_t reach = 1; reach < choices && !UsedUp(); reach *= 256) {
+      number = number * 256 + bytes_.front();
+      bytes_ = bytes_.subspan(1);
+    }
+    return number % choices;
+  }
+
   std::mt19937 engine_;
+  bool from_bytes_ = false;
+  std::span<std::uint8_t const> bytes_;
 };
 
 // Few different values, so that rows share them; now and then a wild one.

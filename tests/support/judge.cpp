@@ -1,4 +1,4 @@
-#include "tests/end_to_end/judge.h"
+#include "tests/support/judge.h"
 
 #include <array>
 #include <charconv>

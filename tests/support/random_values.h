@@ -1,6 +1,6 @@
 // Random arguments for operations on tables.
-#ifndef TABWERK_TESTS_END_TO_END_RANDOM_VALUES_H
-#define TABWERK_TESTS_END_TO_END_RANDOM_VALUES_H
+#ifndef TABWERK_TESTS_SUPPORT_RANDOM_VALUES_H
+#define TABWERK_TESTS_SUPPORT_RANDOM_VALUES_H
 
 #include <array>
 #include <cstddef>
@@ -125,4 +125,4 @@ inline std::u16string AnyFileRow(Random& random,
 
 }  // namespace tabwerk::test
 
-#endif  // TABWERK_TESTS_END_TO_END_RANDOM_VALUES_H
+#endif  // TABWERK_TESTS_SUPPORT_RANDOM_VALUES_H

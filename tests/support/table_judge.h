@@ -1,13 +1,13 @@
 // Random operations on a table, done by the library and by the plain model.
-#ifndef TABWERK_TESTS_END_TO_END_TABLE_JUDGE_H
-#define TABWERK_TESTS_END_TO_END_TABLE_JUDGE_H
+#ifndef TABWERK_TESTS_SUPPORT_TABLE_JUDGE_H
+#define TABWERK_TESTS_SUPPORT_TABLE_JUDGE_H
 
 #include <cstdint>
 #include <cstdio>
 #include <string>
 
 #include "DBTabelle.h"
-#include "tests/end_to_end/judge.h"
+#include "tests/support/judge.h"
 #include "tests/support/plain_model.h"
 #include "tests/support/random_table.h"
 
@@ -74,4 +74,4 @@ class TableJudge {
 
 }  // namespace tabwerk::test
 
-#endif  // TABWERK_TESTS_END_TO_END_TABLE_JUDGE_H
+#endif  // TABWERK_TESTS_SUPPORT_TABLE_JUDGE_H

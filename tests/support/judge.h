@@ -1,7 +1,7 @@
 // What the judged random sequences share: their length and seed, and how
 // values are shown.
-#ifndef TABWERK_TESTS_END_TO_END_JUDGE_H
-#define TABWERK_TESTS_END_TO_END_JUDGE_H
+#ifndef TABWERK_TESTS_SUPPORT_JUDGE_H
+#define TABWERK_TESTS_SUPPORT_JUDGE_H
 
 #include <cstdint>
 #include <string>
@@ -58,4 +58,4 @@ std::string Tail(std::vector<std::string> const& log);
 
 }  // namespace tabwerk::test
 
-#endif  // TABWERK_TESTS_END_TO_END_JUDGE_H
+#endif  // TABWERK_TESTS_SUPPORT_JUDGE_H

@@ -1,4 +1,4 @@
-#include "tests/end_to_end/table_judge.h"
+#include "tests/support/table_judge.h"
 
 #include <array>
 #include <map>
@@ -8,7 +8,7 @@
 
 #include "DBbase.h"
 #include "platform/platform.h"
-#include "tests/end_to_end/random_values.h"
+#include "tests/support/random_values.h"
 #include "tests/support/table_builder.h"
 #include "tests/support/table_state.h"
 
