@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "base/file_lock.h"
@@ -98,10 +100,14 @@ bool Save::Run() {
 }
 
 // Tables that are not in memory yet are read; one that cannot be forbids the
-// save, because what the file has of it would be lost.
+// save, because what the file has of it would be lost.  So do two tables of one
+// name: of their records the last one counts when the file is read again, which
+// is not the one that is in use.
 bool Save::LoadTables() {
+  std::unordered_set<std::string_view> names;
   for (auto* entry = directory_.GetEntries(); entry != nullptr;
        entry = entry->GetNext()) {
+    if (!names.insert(entry->GetName()).second) return false;
     auto* table = OpenedTables::Current(*entry);
     if (table == nullptr || !AllPartsLoaded(*entry)) {
       DirectoryAccess::SetCurrentTable(directory_, entry);

@@ -180,6 +180,21 @@ TEST_F(ManagerWrite, TableThatCannotBeLoadedForbidsTheSave) {
   EXPECT_EQ("[20000|3|0|Carl]", InFile("USER.UDB"));
 }
 
+TEST_F(ManagerWrite, UserRowsOfATableWhoseNameStandsTwiceAreNotLost) {
+  DBbase::Init({}, {});
+  MakeFile("MAIN.db", {PlainHeader::kCurrent,
+                       1000,
+                       {{"ARTIKEL", "integer ID,string X\n", {}},
+                        {"ARTIKEL", kArticles, {"1|1|0|Anna"}}}});
+  OpenStock();
+  EXPECT_EQ("[1|1|0|Anna][20000|3|0|Carl]", Rows("ARTIKEL"));
+  auto const before = Bytes("USER.UDB");
+  EXPECT_FALSE(WriteUserFile());
+  EXPECT_EQ(before, Bytes("USER.UDB"));
+  OpenStock();
+  EXPECT_EQ("[1|1|0|Anna][20000|3|0|Carl]", Rows("ARTIKEL"));
+}
+
 TEST_F(ManagerWrite, FileGetsAPartOfEveryTable) {
   DBbase::Init({}, {});  // closes the files
   MakeFile("MAIN.db", {PlainHeader::kCurrent,
