@@ -1,12 +1,7 @@
 #include "tests/support/plain_database.h"
 
-#include <gtest/gtest.h>
-
 #include <charconv>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace tabwerk::test {
@@ -415,26 +410,6 @@ std::string Describe(PlainIndex::Table const& table) {
   text += " STATUS";
   for (auto const status : table.status) text += " " + std::to_string(status);
   return text;
-}
-
-Bytes ReadFileBytes(std::string const& path) {
-  std::ifstream stream(std::filesystem::path(path), std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(stream),
-               std::istreambuf_iterator<char>());
-}
-
-void WriteFileBytes(std::string const& path, Bytes const& bytes) {
-  std::ofstream stream(std::filesystem::path(path), std::ios::binary);
-  stream.write(reinterpret_cast<char const*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  EXPECT_TRUE(stream.good()) << path << " could not be written";
-}
-
-PlainDatabase ReadDatabase(std::string const& path) {
-  auto const database = DecodeDatabase(ReadFileBytes(path));
-  EXPECT_TRUE(database.has_value()) << path << " is no database file";
-  return database.value_or(PlainDatabase{});
 }
 
 }  // namespace tabwerk::test

@@ -115,7 +115,8 @@ struct Sections {
   explicit Sections(PlainIndex::Table const& index) {
     Entry empty{"", {}, {}};
     Table table(&empty);
-    table.id_index.insert(index.ids.begin(), index.ids.end());
+    // The last one of each ID counts.
+    for (auto const& [number, row] : index.ids) table.id_index[number] = row;
     table.folge_index = index.folge;
     table.status_index = index.status;
     id = table.WriteIndexId();
