@@ -1,28 +1,41 @@
-// Any bytes as a database file: it is refused, or every value of every table
-// can be read.
+// Any bytes as a database file: it is refused and left alone, or every value of
+// every table can be read, and what is written from them reads the same.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include <map>
+#include <string>
 
-#include "tabwerk.h"
+#include "DBbase.h"
+#include "fuzz/fuzz_support.h"
+#include "fuzz/repair.h"
 
 namespace {
 
-void ReadAll(DBTabelle& table) {
-  auto* const definition = table.GetDirEntry(false)->GetDefinition();
-  for (auto* field = definition->GetDefinition(); field != nullptr;
-       field = field->next) {
-    if (table.SelectColumn(field->name) == 0) std::abort();
-    for (long row = 0; table.SelectZeile(row) == 1; ++row) {
-      long integer = 0;
-      double real = 0;
-      zWString text;
-      (void)(table.GetWert(integer) + table.GetWert(real) +
-             table.GetWert(text));
-    }
+using tabwerk::fuzz::AsText;
+using tabwerk::fuzz::ContentOfDatabase;
+using tabwerk::fuzz::OpenDatabase;
+using tabwerk::fuzz::PrivateFolder;
+using tabwerk::fuzz::Require;
+using tabwerk::fuzz::RequireEqual;
+
+// No text of it can be too long to be written, which ends the process.
+constexpr std::size_t kMostWritten = 16'000;
+
+bool WriteCopy() {
+  auto const path = PrivateFolder::Get().Path("COPY.db");
+  return DBbase::GetDBBaseInstance()->Write(u"FUZZ", false,
+                                            zWString::fromUtf8(path));
+}
+
+void RequireSameInCopy(std::map<std::string, std::string> const& expected) {
+  Require(OpenDatabase(u"FUZZ", {"COPY.db"}, false),
+          "what was written can be opened");
+  auto const got = ContentOfDatabase();
+  Require(got.size() == expected.size(), "all tables were written");
+  for (auto const& [name, content] : expected) {
+    auto const table = got.find(name);
+    Require(table != got.end(), "every table was written");
+    RequireEqual(content, table->second, "what was written reads the same");
   }
 }
 
@@ -30,20 +43,27 @@ void ReadAll(DBTabelle& table) {
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
                                       std::size_t size) {
-  static auto const path =
-      (std::filesystem::temp_directory_path() / "tabwerk_fuzz.db").string();
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<char const*>(data),
-             static_cast<std::streamsize>(size));
-  DBbase::Init({u"FUZZ"}, {{zWString::fromUtf8(path)}});
-  auto* const manager = DBbase::GetDBBaseInstance();
-  if (manager->Open(u"FUZZ", false, false) == 1) {
-    auto* entry = manager->GetDirectory()->GetEntries();
-    for (; entry != nullptr; entry = entry->GetNext()) {
-      DBTabelle* table = nullptr;
-      if (manager->OpenTabelle(entry->GetName(), table) == 1) ReadAll(*table);
-    }
+  auto const& folder = PrivateFolder::Get();
+  auto const bytes = AsText({data, size});
+  folder.Write("FUZZ.db", bytes);
+  if (OpenDatabase(u"FUZZ", {"FUZZ.db"}, false)) {
+    auto const content = ContentOfDatabase();
+    Require(content == ContentOfDatabase(), "a table reads the same again");
+    if (size <= kMostWritten && WriteCopy()) RequireSameInCopy(content);
   }
-  DBbase::Init({}, {});
+  tabwerk::fuzz::CloseLibrary();
+  auto files = folder.Files();
+  Require(files["FUZZ.db"] == bytes, "the file stays as it is");
+  folder.Clear();
   return 0;
 }
+
+#ifdef TABWERK_FUZZ
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data,
+                                               std::size_t size,
+                                               std::size_t max_size,
+                                               unsigned seed) {
+  return tabwerk::fuzz::MutateAndRepair(data, size, max_size, seed,
+                                        tabwerk::fuzz::RepairDatabase);
+}
+#endif

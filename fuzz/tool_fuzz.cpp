@@ -1,0 +1,136 @@
+// Any command line with the files that it names and any standard input: the
+// tool ends with one of its exit codes, says why when it fails, and leaves
+// nothing but what the command is for.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/run_tool.h"
+#include "fuzz/fuzz_support.h"
+#include "fuzz/named_parts.h"
+#include "fuzz/standard_streams.h"
+#include "ztypes.h"
+
+namespace {
+
+namespace fuzz = tabwerk::fuzz;
+using fuzz::PrivateFolder;
+using fuzz::Require;
+
+using Files = std::map<std::string, std::string>;
+
+constexpr int kFindings = 1;
+constexpr int kLastExitCode = 6;
+
+// The tool makes its folders for temporary files where the system says.
+void MoveTemporaryFiles() {
+  auto const folder = PrivateFolder::Get().TemporaryFiles().string();
+#ifdef _WIN32
+  _putenv_s("TMP", folder.c_str());
+  _putenv_s("TEMP", folder.c_str());
+#else
+  setenv("TMPDIR", folder.c_str(), 1);
+#endif
+}
+
+// No path in it leads out of the folder.  The library is confined by its seam,
+// but the tool itself opens files, too.
+std::string Confined(std::string text, std::string_view separators) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    bool const dots = text[i] == '.' && i > 0 && text[i - 1] == '.';
+    if (dots || separators.find(text[i]) != separators.npos) text[i] = '_';
+  }
+  return text;
+}
+
+std::vector<std::string> Arguments(std::string const& text) {
+  constexpr std::size_t kMost = 16;
+  std::vector<std::string> arguments;
+  std::size_t place = 0;
+  while (place < text.size() && arguments.size() < kMost) {
+    auto const end = std::min(text.find('\n', place), text.size());
+    // A command line has no NUL.
+    auto const argument = text.substr(place, end - place);
+    arguments.push_back(
+        Confined(argument.substr(0, argument.find('\0')), "/\\:"));
+    place = end + 1;
+  }
+  return arguments;
+}
+
+bool IsUtf8(std::string const& text) {
+  return zWString::fromUtf8(text).toUtf8() == text;
+}
+
+bool OnlyLooks(std::vector<std::string> const& arguments) {
+  if (arguments.empty()) return true;
+  auto const& command = arguments.front();
+  return command == "info" || command == "show" || command == "dump";
+}
+
+bool IsDatabaseFile(std::string const& name) {
+  return name.ends_with(".db") || name.ends_with(".UDB") ||
+         name.ends_with(".idx");
+}
+
+void RequireUntouched(Files const& before, Files const& after) {
+  for (auto const& [name, content] : before) {
+    if (!IsDatabaseFile(name)) continue;
+    auto const found = after.find(name);
+    Require(found != after.end() && found->second == content,
+            "a command that looks changes no database");
+  }
+}
+
+void RequireNothingLeft(Files const& before, Files const& after) {
+  for (auto const& [name, content] : after) {
+    if (before.count(name) != 0) continue;
+    Require(!name.starts_with(PrivateFolder::kTemporary),
+            "no temporary file is left");
+    Require(!name.ends_with(".UDBT") && !name.ends_with(".UDBL") &&
+                !name.ends_with(".idxL"),
+            "no file of a save is left");
+  }
+}
+
+}  // namespace
+
+// The first part has the arguments, one a line; a file "stdin" is the standard
+// input.
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
+                                      std::size_t size) {
+  static bool const moved = (MoveTemporaryFiles(), true);
+  // No text of it can be too long to be written, which ends the process.
+  constexpr std::size_t kMostBytes = 16'000;
+  if (!moved || size > kMostBytes) return 0;
+  auto const& folder = PrivateFolder::Get();
+  fuzz::NamedParts const parts(std::string(fuzz::AsText({data, size})));
+  folder.Write("stdin", "");
+  for (auto const& [name, content] : parts.files) {
+    folder.Write(name, Confined(content, "/\\"));
+  }
+  auto const arguments = Arguments(parts.first);
+  auto const before = folder.Files();
+  int code = 0;
+  {
+    fuzz::InPrivateFolder const here;
+    fuzz::StandardStreams const streams("stdin", "stdout", "stderr");
+    code = tabwerk::tool::RunTool(arguments);
+  }
+  fuzz::CloseLibrary();
+
+  auto after = folder.Files();
+  Require(code >= 0 && code <= kLastExitCode, "the exit code is a known one");
+  Require(code <= kFindings || !after["stderr"].empty(),
+          "a failure is explained");
+  Require(!IsUtf8(parts.first) || IsUtf8(after["stderr"]),
+          "messages are UTF-8 where the command line is");
+  if (OnlyLooks(arguments)) RequireUntouched(before, after);
+  RequireNothingLeft(before, after);
+  folder.Clear();
+  return 0;
+}
