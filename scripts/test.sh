@@ -10,6 +10,7 @@
 #           behaviour sanitizer
 #   mingw   64-bit Windows, MinGW-w64: the same tests, checks of the built
 #           library and the project under Wine
+#   fuzz    Linux, clang++: every fuzz target for some seconds
 #   tidy    clang-tidy over library, tool and example
 #
 # Every step runs even if one before it failed; the exit code is 0 only when
@@ -18,10 +19,10 @@ set -uo pipefail
 cd "$(dirname "$0")/.."
 
 steps=("$@")
-[ ${#steps[@]} -gt 0 ] || steps=(dev asan mingw tidy)
+[ ${#steps[@]} -gt 0 ] || steps=(dev asan mingw fuzz tidy)
 for step in "${steps[@]}"; do
   case $step in
-    dev | asan | mingw | tidy) ;;
+    dev | asan | mingw | fuzz | tidy) ;;
     *)
       sed -n '2,/^set /s/^#\( \|$\)//p' "$0" >&2
       exit 2
@@ -104,6 +105,7 @@ run_mingw() {
   cmake/wine-run.sh "$root/mingw/wineprefix" --stop >/dev/null 2>&1
   return $result
 }
+run_fuzz() { scripts/fuzz.sh 5; }
 run_tidy() {
   configure tidy && logged tidy cmake --build "$root/tidy" --target tidy &&
     echo "clang-tidy: no findings"
