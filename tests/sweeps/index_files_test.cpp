@@ -71,12 +71,6 @@ model::Manager OpenedModel(std::optional<PlainIndex> index) {
   model::Manager manager({"MAIN.db", "USER.UDB"});
   manager.disk["MAIN.db"] = ImageOf(MainFile());
   manager.disk["USER.UDB"] = ImageOf(UserFile());
-  if (index) {
-    // Of one ID twice the later row counts.
-    for (auto& table : index->tables) {
-      std::reverse(table.ids.begin(), table.ids.end());
-    }
-  }
   manager.index = std::move(index);
   manager.Open(false);
   return manager;
@@ -155,8 +149,7 @@ RowTexts Kept(RowTexts rows) {
   return rows;
 }
 
-// --- The sweep
-// ----------------------------------------------------------------
+// --- The sweep ---------------------------------------------------------------
 
 class SweepIndex : public DatabaseTest {
  protected:
