@@ -37,7 +37,11 @@ TEST_P(SweepKillSystemCall, LeavesTheOldOrTheNewState) {
   for (auto i = sweep.first(); i < points.size(); i += sweep.step()) {
     SCOPED_TRACE(points[i].line);
     PutImage(start_);
-    ASSERT_TRUE(EndsBefore(points[i]));
+    if (!EndsBefore(points[i])) {
+      // A random name takes one such call more now and then.
+      ASSERT_EQ("getrandom", points[i].name);
+      continue;
+    }
     JudgeKilled(GetParam());
     ASSERT_FALSE(HasFailure());
   }
