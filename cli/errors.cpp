@@ -1,6 +1,7 @@
 #include "cli/errors.h"
 
 #include "cli/console.h"
+#include "ztypes.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -11,7 +12,8 @@ void Print(Problem const& problem, char const* kind) {
   if (!problem.advice.empty()) line += "; " + problem.advice;
   // What was printed so far comes first where both go to one place.
   static_cast<void>(console::FlushOut());
-  console::Err(line + "\n");
+  // Paths and names come from files and command lines of any bytes.
+  console::Err(zWString::fromUtf8(line).toUtf8() + "\n");
 }
 
 }  // namespace

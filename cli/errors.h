@@ -25,7 +25,8 @@ struct Problem {
   std::string advice;  // what to do about it; may be empty
 };
 
-// Writes "where: error: what; advice" on standard error; the problem's code.
+// Writes "where: error: what; advice" on standard error, with U+FFFD for what
+// is not UTF-8; the problem's code.
 ExitCode Report(Problem const& problem);
 
 // The same with "warning" in place of "error".

@@ -55,6 +55,15 @@ TEST_F(ToolBuild, WorksInAnotherFolder) {
   EXPECT_EQ("[1|Bolt|0.25]", Rows("süd/stock.db", "ARTICLE"));
 }
 
+TEST_F(ToolBuild, ComplainsInUtf8AboutAPathThatIsNone) {
+  auto const complaint = Complaint(
+      "NEWDATABASE A a.db\nNEWTABLE T\nID integer\nENDDEF\n"
+      "TABLEDATA T \xE4.dat\n",
+      3);
+  EXPECT_EQ(zWString::fromUtf8(complaint).toUtf8(), complaint);
+  EXPECT_NE(complaint.npos, complaint.find("\uFFFD.dat")) << complaint;
+}
+
 TEST_F(ToolBuild, SaysThatTheFolderIsMissing) {
   auto const run = Run({"build", "stock.script", "-C", "none"});
   EXPECT_EQ(
