@@ -116,9 +116,12 @@ report() {
   if [ ${#finds[@]} -eq 0 ] && [ "$(cat "$run/$name/exit_code")" = 0 ]; then
     return 0
   fi
-  grep -E -m 8 -A 12 '^(does not hold|expected|.*ERROR:|.*runtime error:)' \
-    "$run/$name/log" | cut -c 1-400
-  printf 'found: %s\n' "${finds[@]}"
+  for find in "${finds[@]}"; do
+    echo "found: $find"
+    timeout 60 "$root/fuzz/bin/${name}_fuzz" "$find" 2>&1 |
+      grep -a -E -m 4 -A 12 '^(does not hold|expected|.*ERROR:|.*runtime error:)' |
+      cut -c 1-200
+  done
   echo "whole output: $run/$name/log"
   return 1
 }
@@ -134,24 +137,34 @@ fuzz_all() {
   return $result
 }
 
-# What the checked-in corpus does not reach yet, small inputs first.
+# new_in FOLDER CORPUS: names of files that only the folder has, at most so many
+# that the corpus stays small, of all sizes, small ones first.
+new_in() {
+  local room
+  room=$((most_files - $(find "$2" -type f | wc -l)))
+  find "$1" -type f -printf '%s %f\n' | sort -n | cut -d' ' -f2 |
+    grep -vxFf <(ls "$2") |
+    awk -v room=$room '{ name[NR] = $0 }
+      END { for (i = 1; i <= NR; ++i)
+              if (NR <= room || int(i * room / NR) != int((i - 1) * room / NR))
+                print name[i] }'
+}
+
+# Adds what the checked-in corpus does not reach yet.
 merge() {
-  local name=$1 corpus=fuzz/corpus/$1 folder=$run/$1/merged file bytes=0
+  local name=$1 corpus=fuzz/corpus/$1 folder=$run/$1/merged file bytes
   rm -rf "$folder"
   mkdir -p "$folder" "$run/$name/corpus"
   cp "$corpus"/* "$folder/"
   "$root/fuzz/bin/${name}_fuzz" -merge=1 -max_len=4096 "$folder" \
     "$run/$name/corpus" >"$run/$name/merge.log" 2>&1 || return 1
-  local files
-  files=$(find "$corpus" -type f | wc -l)
-  while read -r file; do
-    [ ! -e "$corpus/$file" ] || continue
+  for file in $(new_in "$folder" "$corpus"); do
     bytes=$(cat "$corpus"/* "$folder/$file" | wc -c)
-    [ "$bytes" -le $most_bytes ] && [ "$files" -lt $most_files ] || break
+    [ "$bytes" -le $most_bytes ] || break
     cp "$folder/$file" "$corpus/"
-    files=$((files + 1))
-  done < <(find "$folder" -type f -printf '%s %f\n' | sort -n | cut -d' ' -f2)
-  echo "$corpus: $files files, $(cat "$corpus"/* | wc -c) bytes"
+  done
+  echo "$corpus: $(find "$corpus" -type f | wc -l) files," \
+    "$(cat "$corpus"/* | wc -c) bytes"
 }
 
 build || exit 1
