@@ -13,13 +13,62 @@
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <cstdlib>
 #endif
 
 namespace tabwerk::test {
 
+namespace {
+
+using Variables = std::vector<std::pair<std::string, std::string>>;
+
+// What colours depend on is the same wherever the test runs.
+Variables VariablesOf(ToolCall const& call) {
+  Variables variables = {{"NO_COLOR", ""}, {"TERM", "dumb"}};
+  variables.insert(variables.end(), call.environment.begin(),
+                   call.environment.end());
+  return variables;
+}
+
+}  // namespace
+
+ToolRun RunTool(std::filesystem::path const& folder,
+                std::vector<std::string> const& arguments) {
+  return RunTool(folder, ToolCall{arguments, "", {}});
+}
+
 #ifdef _WIN32
 
 namespace {
+
+// Sets variables of this process, which a child inherits, for its lifetime.
+class EnvironmentGuard {
+ public:
+  explicit EnvironmentGuard(Variables const& variables) {
+    for (auto const& [name, value] : variables) {
+      std::wstring const key = zWString::fromUtf8(name).toStdWString();
+      wchar_t const* const old = _wgetenv(key.c_str());
+      old_.emplace_back(key, old != nullptr ? old : L"");
+      Set(key, zWString::fromUtf8(value).toStdWString());
+    }
+  }
+  ~EnvironmentGuard() {
+    for (auto it = old_.rbegin(); it != old_.rend(); ++it) {
+      Set(it->first, it->second);
+    }
+  }
+  EnvironmentGuard(EnvironmentGuard const&) = delete;
+  EnvironmentGuard& operator=(EnvironmentGuard const&) = delete;
+
+ private:
+  static void Set(std::wstring const& name, std::wstring const& value) {
+    SetEnvironmentVariableW(name.c_str(),
+                            value.empty() ? nullptr : value.c_str());
+  }
+
+  std::vector<std::pair<std::wstring, std::wstring>> old_;
+};
 
 HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
   SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
@@ -31,17 +80,19 @@ HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
 
 }  // namespace
 
-ToolRun RunTool(std::filesystem::path const& folder,
-                std::vector<std::string> const& arguments) {
+ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
   TempFolder const streams;
+  EnvironmentGuard const environment(VariablesOf(call));
+  streams.WriteBytes("in", call.input);
   std::wstring line = QuotedWord(ToolPath());
-  for (std::string const& argument : arguments)
+  for (std::string const& argument : call.arguments) {
     line += L" " + QuotedWord(argument);
+  }
 
   STARTUPINFOW start = {};
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdInput = OpenInheritable(L"NUL", false);
+  start.hStdInput = OpenInheritable(streams.Path("in").toStdWString(), false);
   start.hStdOutput = OpenInheritable(streams.Path("out").toStdWString(), true);
   start.hStdError = OpenInheritable(streams.Path("err").toStdWString(), true);
   PROCESS_INFORMATION made = {};
@@ -69,9 +120,16 @@ ToolRun RunTool(std::filesystem::path const& folder,
 namespace {
 
 [[noreturn]] void BecomeTool(std::filesystem::path const& folder,
-                             std::vector<std::string> const& arguments) {
+                             ToolCall const& call) {
+  for (auto const& [name, value] : VariablesOf(call)) {
+    if (value.empty()) {
+      unsetenv(name.c_str());
+    } else {
+      setenv(name.c_str(), value.c_str(), 1);
+    }
+  }
   std::vector<std::string> words = {ToolPath()};
-  words.insert(words.end(), arguments.begin(), arguments.end());
+  words.insert(words.end(), call.arguments.begin(), call.arguments.end());
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
@@ -93,16 +151,19 @@ int WaitFor(pid_t process) {
 
 }  // namespace
 
-ToolRun RunToolInto(char const* output, std::filesystem::path const& folder,
-                    std::vector<std::string> const& arguments) {
+namespace {
+
+ToolRun RunInto(char const* output, std::filesystem::path const& folder,
+                ToolCall const& call) {
   TempFolder const streams;
+  streams.WriteBytes("in", call.input);
   pid_t const process = fork();
   if (process == 0) {
-    Redirect("/dev/null", O_RDONLY, STDIN_FILENO);
-    Redirect(output != nullptr ? output : streams.Path("out").toUtf8(),
+    Redirect(streams.PathUtf8("in"), O_RDONLY, STDIN_FILENO);
+    Redirect(output != nullptr ? output : streams.PathUtf8("out"),
              O_WRONLY | O_CREAT, STDOUT_FILENO);
-    Redirect(streams.Path("err").toUtf8(), O_WRONLY | O_CREAT, STDERR_FILENO);
-    BecomeTool(folder, arguments);
+    Redirect(streams.PathUtf8("err"), O_WRONLY | O_CREAT, STDERR_FILENO);
+    BecomeTool(folder, call);
   }
   ToolRun run;
   run.exit_code = WaitFor(process);
@@ -111,20 +172,31 @@ ToolRun RunToolInto(char const* output, std::filesystem::path const& folder,
   return run;
 }
 
-ToolRun RunTool(std::filesystem::path const& folder,
-                std::vector<std::string> const& arguments) {
-  return RunToolInto(nullptr, folder, arguments);
+}  // namespace
+
+ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
+  return RunInto(nullptr, folder, call);
+}
+
+ToolRun RunToolInto(char const* output, std::filesystem::path const& folder,
+                    std::vector<std::string> const& arguments) {
+  return RunInto(output, folder, ToolCall{arguments, "", {}});
 }
 
 ToolRun RunToolOnTerminal(std::filesystem::path const& folder,
                           std::vector<std::string> const& arguments,
                           int columns) {
+  return RunToolOnTerminal(folder, ToolCall{arguments, "", {}}, columns);
+}
+
+ToolRun RunToolOnTerminal(std::filesystem::path const& folder,
+                          ToolCall const& call, int columns) {
   struct winsize size = {};
   size.ws_row = 25;
   size.ws_col = static_cast<unsigned short>(columns);
   int terminal = -1;
   pid_t const process = forkpty(&terminal, nullptr, nullptr, &size);
-  if (process == 0) BecomeTool(folder, arguments);
+  if (process == 0) BecomeTool(folder, call);
   ToolRun run;
   char byte = 0;
   while (process > 0 && read(terminal, &byte, 1) == 1) {

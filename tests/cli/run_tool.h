@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tabwerk::test {
@@ -14,14 +15,27 @@ struct ToolRun {
   std::string err;
 };
 
-// Starts it in that folder and waits.  Arguments are UTF-8.  Its output goes to
-// files, as it would go to a pipe.
+// What a run is given.  Texts are UTF-8, input is bytes.
+struct ToolCall {
+  std::vector<std::string> arguments;
+  std::string input;
+  // Variables beside those of the test; an empty value stands for "not set".
+  // NO_COLOR and TERM never come from the test.
+  std::vector<std::pair<std::string, std::string>> environment;
+};
+
+// Starts it in that folder and waits.  Its output goes to files, as it would go
+// to a pipe.
+ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call);
 ToolRun RunTool(std::filesystem::path const& folder,
                 std::vector<std::string> const& arguments);
 
 #ifndef _WIN32
 // The same with standard output and standard error on a terminal of so many
-// columns; both come in out, with "\n" for line ends.
+// columns; both come in out, with "\n" for line ends.  It knows no colours
+// unless the call sets TERM.
+ToolRun RunToolOnTerminal(std::filesystem::path const& folder,
+                          ToolCall const& call, int columns);
 ToolRun RunToolOnTerminal(std::filesystem::path const& folder,
                           std::vector<std::string> const& arguments,
                           int columns);

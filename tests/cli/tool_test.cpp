@@ -1,5 +1,9 @@
 #include "tests/cli/tool_test.h"
 
+#include <algorithm>
+#include <utility>
+
+#include "tests/support/places.h"
 #include "ztypes.h"
 
 namespace tabwerk::test {
@@ -13,10 +17,46 @@ std::string AsText(std::vector<unsigned char> const& bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
+using Files = std::vector<std::pair<std::string, std::string>>;
+
+// The files of the example database, built once in this process.
+Files const& ExampleFiles() {
+  static Files const files = [] {
+    TempFolder const folder;
+    std::filesystem::copy(ProjectPath("examples/reference"), folder.folder());
+    Files made;
+    for (char const* const name : {"geo", "user"}) {
+      auto const run =
+          RunTool(folder.folder(), {"build", name + std::string(".script")});
+      EXPECT_EQ(0, run.exit_code) << run.err;
+    }
+    for (char const* const name : {"geo.db", "GEO.UDB"}) {
+      made.emplace_back(name, folder.ReadBytes(name));
+    }
+    return made;
+  }();
+  return files;
+}
+
 }  // namespace
 
 ToolRun ToolTest::Run(std::vector<std::string> const& arguments) const {
   return RunTool(folder_.folder(), arguments);
+}
+
+ToolRun ToolTest::RunWith(ToolCall const& call) const {
+  return RunTool(folder_.folder(), call);
+}
+
+ToolRun ToolTest::RunToLook(std::vector<std::string> const& arguments) const {
+  std::string const before = Snapshot();
+  ToolRun const run = Run(arguments);
+  EXPECT_EQ(before, Snapshot()) << testing::PrintToString(arguments);
+  return run;
+}
+
+void ToolTest::MakeExample() const {
+  for (auto const& [name, bytes] : ExampleFiles()) folder_.Make(name, bytes);
 }
 
 void ToolTest::MakeUnits(std::string const& name, std::string_view utf8,
@@ -65,13 +105,23 @@ void ToolTest::MakeStock() const {
 }
 
 std::string ToolTest::Snapshot() const {
-  std::string snapshot;
-  for (std::string const& name : folder_.Names()) {
-    auto const path = folder_.folder() / name;
-    auto const time = std::filesystem::last_write_time(path);
-    snapshot += name + " " + std::to_string(time.time_since_epoch().count()) +
-                " " + folder_.Content(name) + "\n";
+  std::vector<std::string> files;
+  for (auto const& entry :
+       std::filesystem::recursive_directory_iterator(folder_.folder())) {
+    auto const name =
+        entry.path().lexically_relative(folder_.folder()).u8string();
+    std::string const key(name.begin(), name.end());
+    if (entry.is_directory()) {
+      files.push_back(key + "/");
+      continue;
+    }
+    auto const time = entry.last_write_time().time_since_epoch().count();
+    files.push_back(key + " " + std::to_string(time) + " " +
+                    folder_.Content(key));
   }
+  std::sort(files.begin(), files.end());
+  std::string snapshot;
+  for (std::string const& file : files) snapshot += file + "\n";
   return snapshot;
 }
 

@@ -17,6 +17,7 @@ namespace tabwerk::test {
 class ToolTest : public testing::Test {
  protected:
   ToolRun Run(std::vector<std::string> const& arguments) const;
+  ToolRun RunWith(ToolCall const& call) const;
 
   // A text file in UTF-16LE.
   void MakeUnits(std::string const& name, std::string_view utf8,
@@ -33,8 +34,13 @@ class ToolTest : public testing::Test {
   void MakeMainFile() const;
   void MakeUserFile() const;
 
-  // Names, bytes and times of all files in the folder.
+  // geo.db and GEO.UDB, built of examples/reference.
+  void MakeExample() const;
+
+  // Names, bytes and times of all files in the folder and below.
   std::string Snapshot() const;
+  // Runs it and expects that no file is another afterwards.
+  ToolRun RunToLook(std::vector<std::string> const& arguments) const;
 
   TempFolder folder_;
 };
