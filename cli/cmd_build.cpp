@@ -4,15 +4,20 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "DBInterpreter.h"
+#include "DBbase.h"
 #include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/database_file.h"
 #include "cli/files.h"
 #include "cli/progress.h"
 #include "cli/script_scan.h"
+#include "cli/session.h"
+#include "cli/settings.h"
 #include "cli/text.h"
+#include "cli/writing.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -20,15 +25,52 @@ namespace {
 constexpr int kScriptFailed = 0;
 constexpr int kWrittenOtherVersion = 2;
 
+// The files that a dry run makes; the destructor removes them.
+class DryRunFiles {
+ public:
+  explicit DryRunFiles(ScriptScan const& scan) : scan_(scan) {
+    auto const is_taken = [this](ScriptDatabase const& database) {
+      std::error_code error;
+      return std::filesystem::exists(ToPath(database.file + ending_), error);
+    };
+    for (int i = 2;
+         std::any_of(scan_.databases.begin(), scan_.databases.end(), is_taken);
+         ++i) {
+      ending_ = kEnding + std::to_string(i);
+    }
+  }
+  ~DryRunFiles() {
+    // The manager lets go of them first.
+    static_cast<void>(DBbase::Init({}, {}));
+    for (ScriptDatabase const& database : scan_.databases) {
+      std::error_code ignored;  // one that stays does no harm
+      std::filesystem::remove(ToPath(database.file + ending_), ignored);
+    }
+  }
+  DryRunFiles(DryRunFiles const&) = delete;
+  DryRunFiles& operator=(DryRunFiles const&) = delete;
+
+  std::string const& ending() const { return ending_; }
+
+ private:
+  static constexpr char kEnding[] = ".dry-run";
+
+  ScriptScan const& scan_;
+  std::string ending_ = kEnding;
+};
+
 class BuildCommand : public Command {
  public:
   void Declare(CLI::App& app) override {
     app.add_option("SCRIPT", script_, "The script")->required();
     app.add_option("-C", folder_,
-                   "Go to this folder first; all paths are relative to it");
+                   "Go to this folder first; all paths are relative to it")
+        ->type_name("DIR");
     app.add_option("--expect-version", version_,
                    "Version that the data are to have; only for a script "
-                   "that is called D000");
+                   "that is called D000")
+        ->type_name("VERSION");
+    AddWriteOptions(app, &write_);
     app.footer(
         "A database that was there is replaced when the new one is complete;\n"
         "when something goes wrong, it stays as it was.");
@@ -38,14 +80,11 @@ class BuildCommand : public Command {
     if (auto const problem = EnterFolder()) return Report(*problem);
     std::string content;
     if (!ReadWhole(ToPath(script_), &content)) {
-      return Report({ExitCode::kFile, script_, "the script cannot be read",
+      return Report({TW(116), script_, "the script cannot be read",
                      "check its path and permissions"});
     }
     ScriptScan const scan = ScanScript(script_, content);
-    DBInterpreter interpreter;
-    int const result = ReadScript(&interpreter);
-    if (result == kScriptFailed) return Report(WhyFailed(scan, interpreter));
-    return Conclude(scan, interpreter, result);
+    return write_.dry_run ? RunDry(scan) : RunReally(scan);
   }
 
  private:
@@ -54,23 +93,69 @@ class BuildCommand : public Command {
     std::error_code error;
     std::filesystem::current_path(ToPath(folder_), error);
     if (!error) return std::nullopt;
-    return Problem{ExitCode::kFile, folder_, "this is no folder to work in",
+    return Problem{TW(130), folder_, "this is no folder to work in",
                    "check the path behind -C"};
   }
 
-  int ReadScript(DBInterpreter* interpreter) const {
+  ExitCode RunReally(ScriptScan const& scan) {
+    if (write_.backup) {
+      if (auto const problem = BackUp(scan)) return Report(*problem);
+    }
+    return Build(scan, script_);
+  }
+
+  // A database that is built anew, and the index where it is a user file.
+  std::optional<Problem> BackUp(ScriptScan const& scan) {
+    std::vector<std::filesystem::path> files;
+    for (ScriptDatabase const& database : scan.databases) {
+      files.push_back(ToPath(database.file));
+      if (!IsUserFile(database.file)) continue;
+      auto const indices = IndexFiles({"", database.file, database.name});
+      files.insert(files.end(), indices.begin(), indices.end());
+    }
+    return MakeBackup(files, &copies_);
+  }
+
+  // Builds beside the databases, under names that are gone afterwards.
+  ExitCode RunDry(ScriptScan const& scan) {
+    if (scan.failure) return Report(*scan.failure);
+    for (ScriptDatabase const& database : scan.databases) {
+      if (auto const problem = WhyNotReplaced(database.file)) {
+        return Report(*problem);
+      }
+    }
+    TemporaryFolder const folder;
+    auto const script = folder.path() / ToPath(script_).filename();
+    DryRunFiles const drafts(scan);
+    if (folder.path().empty() ||
+        !WriteWhole(script, scan.WithEnding(drafts.ending()))) {
+      return Report(TemporaryFolder::WhyMissing());
+    }
+    ending_ = drafts.ending();
+    return Build(scan, ToUtf8(script));
+  }
+
+  // script is what is carried out.
+  ExitCode Build(ScriptScan const& scan, std::string const& script) const {
+    DBInterpreter interpreter;
+    int const result = ReadScript(&interpreter, script);
+    if (result == kScriptFailed) return Report(WhyFailed(scan, interpreter));
+    return Finish(scan, interpreter, result);
+  }
+
+  int ReadScript(DBInterpreter* interpreter, std::string const& script) const {
     Progress const progress("building " + script_);
-    return interpreter->ReadScript(script_.c_str(),
+    return interpreter->ReadScript(script.c_str(),
                                    zWString::fromUtf8(version_.value_or("")));
   }
 
   Problem WhyFailed(ScriptScan const& scan,
                     DBInterpreter const& interpreter) const {
     if (scan.failure) return *scan.failure;
-    std::string const& target = scan.database_file;
+    std::string const target = scan.DatabaseFile();
     if (auto const problem = WhyNotReplaced(target)) return *problem;
     if (interpreter.GetError() != 0) return DataProblem(interpreter);
-    return {ExitCode::kFile, target, "the database could not be written",
+    return {TW(119), target, "the database could not be written",
             "check that its folder and the folder for temporary files can be "
             "written and have room, and that names of tables and columns are "
             "plain words"};
@@ -93,27 +178,31 @@ class BuildCommand : public Command {
     std::string text =
         zWString::fromLatin1(interpreter.GetErrorString()).toUtf8();
     std::replace(text.begin(), text.end(), '\n', ' ');
-    return {ExitCode::kFindings, script_, text,
-            interpreter.GetError() == 1
-                ? "values behind the last column were left out; correct the "
-                  "data file and build again"
-                : "the rest of its data file was left out; correct the types "
-                  "of the columns and build again"};
+    if (interpreter.GetError() == 1) {
+      return {TW(217), script_, text,
+              "values behind the last column were left out; correct the data "
+              "file and build again"};
+    }
+    return {TW(218), script_, text,
+            "the rest of its data file was left out; correct the types of the "
+            "columns and build again"};
   }
 
-  ExitCode Conclude(ScriptScan const& scan, DBInterpreter const& interpreter,
-                    int result) const {
+  ExitCode Finish(ScriptScan const& scan, DBInterpreter const& interpreter,
+                  int result) const {
     DatabaseFile file;
-    if (auto const problem = ReadDatabaseFile(scan.database_file, &file)) {
+    if (auto const problem =
+            ReadDatabaseFile(scan.DatabaseFile() + ending_, &file)) {
       return Report(*problem);
     }
+    file.path = scan.DatabaseFile();
     PrintBuilt(file);
     ExitCode code = ExitCode::kDone;
     for (Problem const& remark : scan.remarks) code = Report(remark);
     if (interpreter.GetError() != 0) code = Report(DataProblem(interpreter));
     // Without an expected version there is nothing to differ from.
     if (result == kWrittenOtherVersion && version_) {
-      code = Report({ExitCode::kFindings, script_,
+      code = Report({TW(219), script_,
                      "the version of the data is not \"" + *version_ + "\"",
                      "the database was built all the same; check its table "
                      "VERSION"});
@@ -121,10 +210,11 @@ class BuildCommand : public Command {
     return code;
   }
 
-  static void PrintBuilt(DatabaseFile const& file) {
-    console::Out(file.path + ": built with " +
-                 Count(static_cast<long long>(file.tables.size()), "table") +
-                 ", " + Count(file.RowCount(), "row") + "\n");
+  void PrintBuilt(DatabaseFile const& file) const {
+    if (CurrentSettings().quiet) return;
+    Conclude(file.path + ": built with " +
+             Count(static_cast<long long>(file.tables.size()), "table") + ", " +
+             Count(file.RowCount(), "row") + WriteEnding(write_, copies_));
     for (TableSummary const& table : file.tables) {
       console::Out("  " + Escape(table.name) + ": " +
                    Count(table.row_count, "row") + "\n");
@@ -134,12 +224,21 @@ class BuildCommand : public Command {
   std::string script_;
   std::string folder_;
   std::optional<std::string> version_;
+  WriteOptions write_;
+  std::vector<std::string> copies_;  // of a backup
+  std::string ending_;               // of the file that is built
 };
 
 }  // namespace
 
-std::unique_ptr<Command> MakeBuildCommand() {
-  return std::make_unique<BuildCommand>();
-}
+extern CommandEntry const kBuildCommand;
+CommandEntry const kBuildCommand = {
+    "build",
+    Group::kMake,
+    "Make a database file from a script",
+    {{"build geo.script -C examples/reference",
+      "paths are those of that folder"},
+     {"build geo.script --dry-run", "what would be built?"}},
+    &MakeCommand<BuildCommand>};
 
 }  // namespace tabwerk::tool

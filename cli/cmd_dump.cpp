@@ -6,6 +6,7 @@
 #include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/files.h"
+#include "cli/out_file.h"
 #include "cli/session.h"
 
 namespace tabwerk::tool {
@@ -15,9 +16,16 @@ class DumpCommand : public Command {
  public:
   void Declare(CLI::App& app) override {
     AddDatabaseOptions(app, &files_);
-    app.add_option("-t,--table", table_, "The table")->required();
+    app.add_option("-t,--table", table_, "The table")
+        ->required()
+        ->type_name("TABLE");
     app.add_option("--separator", separator_,
-                   "What stands between two values; \";\" otherwise");
+                   "What stands between two values; \";\" otherwise")
+        ->type_name("TEXT");
+    app.add_option("-o,--output", output_,
+                   "Write to this file, which appears when it is complete; - "
+                   "is standard output")
+        ->type_name("FILE");
     app.add_flag("--user", user_, "The rows of USERFILE, not those of FILE");
     app.footer(
         "Texts stand between double quotes as they are stored, with all\n"
@@ -26,7 +34,7 @@ class DumpCommand : public Command {
 
   ExitCode Run() override {
     if (user_ && files_.user.empty()) {
-      return Report({ExitCode::kUsage, "", "--user needs a USERFILE",
+      return Report({TW(105), "", "--user needs a USERFILE",
                      "name the user file behind FILE"});
     }
     if (auto const problem = OpenToLook(files_)) return Report(*problem);
@@ -35,23 +43,26 @@ class DumpCommand : public Command {
       return Report(*problem);
     }
     std::wstring separator = zWString::fromUtf8(separator_).toStdWString();
-    if (console::OutTakesUtf8()) {
+    OutFile file(output_);
+    if (file.IsStandardOutput() && console::OutTakesUtf8()) {
       return Answer(table->Dump(stdout, separator.data(), user_));
     }
-    return DumpThroughFile(*table, separator.data());
+    if (auto const problem = file.Open()) return Report(*problem);
+    return DumpThroughFile(*table, separator.data(), file);
   }
 
  private:
   // The result of a dump is the number of rows and 1.
   ExitCode Answer(int result) const {
     if (result > 0) return ExitCode::kDone;
-    return Report({ExitCode::kFile, user_ ? files_.user : files_.main,
+    return Report({TW(121), user_ ? files_.user : files_.main,
                    "there is not enough memory for the dump",
                    "close other programs and try again"});
   }
 
-  // For a console that does not show bytes of UTF-8.
-  ExitCode DumpThroughFile(DBTabelle& table, wchar_t* separator) const {
+  // For a file, and a console that does not show bytes of UTF-8.
+  ExitCode DumpThroughFile(DBTabelle& table, wchar_t* separator,
+                           OutFile& file) const {
     TemporaryFolder const folder;
     if (folder.path().empty()) return Report(TemporaryFolder::WhyMissing());
     auto const path = folder.path() / "dump.txt";
@@ -63,20 +74,27 @@ class DumpCommand : public Command {
     if (!whole || !ReadWhole(path, &text)) {
       return Report(TemporaryFolder::WhyMissing());
     }
-    console::Out(text);
+    file.Write(text);
+    if (auto const problem = file.Close()) return Report(*problem);
     return Answer(result);
   }
 
   DatabaseFiles files_;
   std::string table_;
   std::string separator_ = ";";
+  std::string output_;
   bool user_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<Command> MakeDumpCommand() {
-  return std::make_unique<DumpCommand>();
-}
+extern CommandEntry const kDumpCommand;
+CommandEntry const kDumpCommand = {
+    "dump",
+    Group::kLook,
+    "Print a table as it is stored, texts in all languages",
+    {{"dump geo.db -t CURRENCY", "the shipped rows"},
+     {"dump geo.db GEO.UDB -t CURRENCY --user", "the user's rows"}},
+    &MakeCommand<DumpCommand>};
 
 }  // namespace tabwerk::tool

@@ -142,7 +142,7 @@ class InfoCommand : public Command {
     PrintTables(file);
     if (IsUserFile(file.path)) PrintIndex(files);
     if (!file.IsDamaged()) return ExitCode::kDone;
-    return Report({ExitCode::kDamaged, file.path, "the file is damaged",
+    return Report({TW(125), file.path, "the file is damaged",
                    "restore it from a backup"});
   }
 
@@ -169,8 +169,13 @@ class InfoCommand : public Command {
 
 }  // namespace
 
-std::unique_ptr<Command> MakeInfoCommand() {
-  return std::make_unique<InfoCommand>();
-}
+extern CommandEntry const kInfoCommand;
+CommandEntry const kInfoCommand = {
+    "info",
+    Group::kLook,
+    "Say what is in database files, without loading them",
+    {{"info geo.db", "one file"},
+     {"info geo.db GEO.UDB", "a main file with its user file and the index"}},
+    &MakeCommand<InfoCommand>};
 
 }  // namespace tabwerk::tool

@@ -1,5 +1,7 @@
 #include "cli/console.h"
 
+#include <array>
+#include <cstdlib>
 #include <string>
 
 // The one file of the tool that asks which system it is for: consoles, binary
@@ -30,6 +32,15 @@ void WriteBytes(std::FILE* stream, std::string_view text) {
 }
 
 }  // namespace
+
+bool ReadIn(std::string* content) {
+  std::array<char, 65536> piece;
+  for (;;) {
+    std::size_t const size = std::fread(piece.data(), 1, piece.size(), stdin);
+    content->append(piece.data(), size);
+    if (size < piece.size()) return std::ferror(stdin) == 0;
+  }
+}
 
 bool FlushOut() {
   if (std::fflush(stdout) != 0) out_failed = true;
@@ -77,7 +88,9 @@ void Write(std::FILE* stream, std::string_view text) {
 }  // namespace
 
 void SetUp() {
+  out_failed = false;
   // A console does not see these bytes.
+  static_cast<void>(_setmode(_fileno(stdin), _O_BINARY));
   static_cast<void>(_setmode(_fileno(stdout), _O_BINARY));
   static_cast<void>(_setmode(_fileno(stderr), _O_BINARY));
 }
@@ -88,13 +101,30 @@ void Err(std::string_view text) { Write(stderr, text); }
 bool OutIsTerminal() { return IsConsole(stdout); }
 bool ErrIsTerminal() { return IsConsole(stderr); }
 
-int TerminalWidth() {
+namespace {
+
+bool TakesColor(std::FILE* stream) {
+  DWORD mode = 0;
+  HANDLE const handle = HandleOf(stream);
+  return GetConsoleMode(handle, &mode) != 0 &&
+         SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+int WidthOf(std::FILE* stream) {
   CONSOLE_SCREEN_BUFFER_INFO info = {};
-  if (!GetConsoleScreenBufferInfo(HandleOf(stdout), &info)) {
+  if (!GetConsoleScreenBufferInfo(HandleOf(stream), &info)) {
     return kUnknownWidth;
   }
   return info.srWindow.Right - info.srWindow.Left + 1;
 }
+
+}  // namespace
+
+bool OutTakesColor() { return TakesColor(stdout); }
+bool ErrTakesColor() { return TakesColor(stderr); }
+
+int OutWidth() { return WidthOf(stdout); }
+int ErrWidth() { return WidthOf(stderr); }
 
 bool OutTakesUtf8() { return !IsConsole(stdout); }
 
@@ -115,7 +145,7 @@ bool IsHeld(std::filesystem::path const& path) {
 
 #else
 
-void SetUp() {}
+void SetUp() { out_failed = false; }
 
 void Out(std::string_view text) { WriteBytes(stdout, text); }
 void Err(std::string_view text) { WriteBytes(stderr, text); }
@@ -123,12 +153,26 @@ void Err(std::string_view text) { WriteBytes(stderr, text); }
 bool OutIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
 bool ErrIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
-int TerminalWidth() {
+namespace {
+
+bool KnowsColors() {
+  char const* const terminal = std::getenv("TERM");
+  return terminal == nullptr || std::string_view(terminal) != "dumb";
+}
+
+int WidthOf(int stream) {
   struct winsize size = {};
-  bool const known =
-      ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  bool const known = ioctl(stream, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
   return known ? size.ws_col : kUnknownWidth;
 }
+
+}  // namespace
+
+bool OutTakesColor() { return OutIsTerminal() && KnowsColors(); }
+bool ErrTakesColor() { return ErrIsTerminal() && KnowsColors(); }
+
+int OutWidth() { return WidthOf(STDOUT_FILENO); }
+int ErrWidth() { return WidthOf(STDERR_FILENO); }
 
 bool OutTakesUtf8() { return true; }
 

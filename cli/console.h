@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace tabwerk::tool::console {
@@ -25,8 +26,15 @@ bool OutFailed();
 
 bool OutIsTerminal();
 bool ErrIsTerminal();
-// Columns of the terminal that gets the output; 80 where that is unknown.
-int TerminalWidth();
+// True for a terminal that also knows colours.
+bool OutTakesColor();
+bool ErrTakesColor();
+// Columns of the terminal; 80 where that is unknown.
+int OutWidth();
+int ErrWidth();
+
+// All of standard input, byte for byte.  False when reading failed.
+[[nodiscard]] bool ReadIn(std::string* content);
 
 // True when bytes written to stdout itself, past Out, show as UTF-8.
 bool OutTakesUtf8();

@@ -47,11 +47,11 @@ Problem WhyNotMade(std::string const& file) {
   std::error_code error;
   fs::path const folder = ToPath(file).parent_path();
   if (!folder.empty() && !fs::is_directory(folder, error)) {
-    return {ExitCode::kFile, file,
+    return {TW(115), file,
             "its folder \"" + ToUtf8(folder) + "\" does not exist",
             "make the folder first"};
   }
-  return {ExitCode::kFile, file, "the file cannot be made",
+  return {TW(115), file, "the file cannot be made",
           "check the permissions of its folder and the space on the disk"};
 }
 
@@ -59,19 +59,16 @@ Problem WhyNotRead(std::string const& file, Access access) {
   fs::path const path = ToPath(file);
   std::error_code error;
   if (fs::is_directory(path, error)) {
-    return {ExitCode::kFile, file, "this is a folder",
-            "name a file of a database"};
+    return {TW(111), file, "this is a folder", "name a file of a database"};
   }
   if (access != Access::kRead && IsReadOnly(path)) {
-    return {ExitCode::kFile, file, "the file is read-only",
-            "make it writable first"};
+    return {TW(113), file, "the file is read-only", "make it writable first"};
   }
   if (fs::is_regular_file(path, error) && console::IsHeld(path)) {
-    return {ExitCode::kHeld, file, "another process holds the file",
+    return {TW(114), file, "another process holds the file",
             "close the program that uses it and try again"};
   }
-  return {ExitCode::kFile, file, "the file cannot be opened",
-          "check its permissions"};
+  return {TW(112), file, "the file cannot be opened", "check its permissions"};
 }
 
 }  // namespace
@@ -99,17 +96,17 @@ Problem WhyNotOpened(std::string const& file, Access access) {
   std::error_code error;
   if (!fs::exists(ToPath(file), error)) {
     if (access == Access::kReplace) return WhyNotMade(file);
-    return {ExitCode::kFile, file, "there is no such file",
+    return {TW(110), file, "there is no such file",
             "check the path, or make the database with \"tabwerk build\""};
   }
   Probe const probe = TryToOpen(file, access);
   if (!probe.has_stream) return WhyNotRead(file, access);
   if (!probe.is_open) {
-    return {ExitCode::kDamaged, file,
+    return {TW(123), file,
             "this is no database file, or its list of tables is damaged",
             "restore it from a backup; \"tabwerk info\" shows what is left"};
   }
-  return {ExitCode::kFile, file, "the file could not be opened",
+  return {TW(112), file, "the file could not be opened",
           "try again; another process may have held it for a moment"};
 }
 
@@ -122,6 +119,11 @@ bool ReadWhole(fs::path const& path, std::string* content) {
   file.seekg(0);
   file.read(content->data(), size);
   return file.gcount() == size;
+}
+
+bool ReadInput(std::string const& path, std::string* content) {
+  return path == "-" ? console::ReadIn(content)
+                     : ReadWhole(ToPath(path), content);
 }
 
 bool WriteWhole(fs::path const& path, std::string_view content) {
@@ -155,7 +157,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 Problem TemporaryFolder::WhyMissing() {
-  return {ExitCode::kFile, "", "the folder for temporary files cannot be used",
+  return {TW(118), "", "the folder for temporary files cannot be used",
           "let TMPDIR (on Windows: TEMP) name a folder that can be written"};
 }
 

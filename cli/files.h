@@ -35,6 +35,8 @@ bool LetsIn(std::string const& file, Access access);
 // in part is removed.
 [[nodiscard]] bool ReadWhole(std::filesystem::path const& path,
                              std::string* content);
+// The same, with "-" for standard input.
+[[nodiscard]] bool ReadInput(std::string const& path, std::string* content);
 [[nodiscard]] bool WriteWhole(std::filesystem::path const& path,
                               std::string_view content);
 

@@ -105,11 +105,13 @@ RowJudge::RowJudge(DBDefinition const& definition, char16_t separator)
   }
 }
 
-std::string RowJudge::Objection(std::u16string_view line) {
+std::optional<RowObjection> RowJudge::Objection(std::u16string_view line) {
   if (line.size() >= kMaxLineUnits) {
-    return "the line is longer than 4094 characters";
+    return RowObjection{TW(601), "the line is longer than 4094 characters"};
   }
-  if (line.find(u'\0') != line.npos) return "there is a NUL character in it";
+  if (line.find(u'\0') != line.npos) {
+    return RowObjection{TW(602), "there is a NUL character in it"};
+  }
   std::wstring text = zWString(line).toStdWString();
   auto const separator = static_cast<wchar_t>(separator_);
   DBFeld const* field = definition_.GetDefinition();
@@ -118,9 +120,7 @@ std::string RowJudge::Objection(std::u16string_view line) {
        token != nullptr; token = tokenizer_.GetNextToken(nullptr, separator)) {
     ++count;
     if (field == nullptr) continue;
-    if (auto objection = ValueObjection(*field, token); !objection.empty()) {
-      return objection;
-    }
+    if (auto objection = ValueObjection(*field, token)) return objection;
     field = field->next;
   }
   // A separator at the end has an empty value behind it, which is no token.
@@ -128,24 +128,28 @@ std::string RowJudge::Objection(std::u16string_view line) {
   // anywhere.
   bool const may_end_empty = separator_ != u' ' && separator_ != u'\t';
   if (may_end_empty && line.ends_with(separator_)) ++count;
-  if (count == column_count_) return "";
-  return Count(static_cast<long long>(count), "value") + " for " +
-         Count(static_cast<long long>(column_count_), "column");
+  if (count == column_count_) return std::nullopt;
+  return RowObjection{
+      TW(603), Count(static_cast<long long>(count), "value") + " for " +
+                   Count(static_cast<long long>(column_count_), "column")};
 }
 
-std::string RowJudge::ValueObjection(DBFeld const& field,
-                                     std::wstring_view token) {
+std::optional<RowObjection> RowJudge::ValueObjection(DBFeld const& field,
+                                                     std::wstring_view token) {
   bool const is_number =
       field.type == DBTypeInteger || field.type == DBTypeReal;
-  if (!is_number || IsAssigned(field.name)) return "";
+  if (!is_number || IsAssigned(field.name)) return std::nullopt;
   std::string const text = NumberText(token);
-  if (text.empty()) return "";
-  bool const reads = field.type == DBTypeInteger ? Reads<std::int32_t>(text)
-                                                 : Reads<double>(text);
-  if (reads) return "";
-  return "\"" + Escape(zWString(std::wstring(token)).toUtf8()) + "\" is no " +
-         (field.type == DBTypeInteger ? "integer" : "number") + " for column " +
-         NameToUtf8(field.name);
+  if (text.empty()) return std::nullopt;
+  std::string const value =
+      "\"" + Escape(zWString(std::wstring(token)).toUtf8()) + "\"";
+  std::string const column = NameToUtf8(field.name);
+  if (field.type == DBTypeInteger) {
+    if (Reads<std::int32_t>(text)) return std::nullopt;
+    return RowObjection{TW(604), value + " is no integer for column " + column};
+  }
+  if (Reads<double>(text)) return std::nullopt;
+  return RowObjection{TW(605), value + " is no number for column " + column};
 }
 
 }  // namespace tabwerk::tool

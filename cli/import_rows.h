@@ -4,12 +4,14 @@
 #define TABWERK_CLI_IMPORT_ROWS_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "DBDefinition.h"
 #include "DBInterpreter.h"
+#include "cli/codes.h"
 
 namespace tabwerk::tool {
 
@@ -41,6 +43,11 @@ class RowText {
 // The bytes of a text, behind a byte-order mark where one is wanted.
 std::string EncodeUnits(std::u16string_view units, bool with_mark);
 
+struct RowObjection {
+  Code code;
+  std::string what;
+};
+
 // Judges lines by what the library's import makes of them: a line is taken
 // only when every value of it gets into its column as it stands.
 class RowJudge {
@@ -48,11 +55,12 @@ class RowJudge {
   // Borrows the definition.
   RowJudge(DBDefinition const& definition, char16_t separator);
 
-  // Why the line is not taken; empty when it is.
-  std::string Objection(std::u16string_view line);
+  // Why the line is not taken; nothing when it is.
+  std::optional<RowObjection> Objection(std::u16string_view line);
 
  private:
-  std::string ValueObjection(DBFeld const& field, std::wstring_view token);
+  static std::optional<RowObjection> ValueObjection(DBFeld const& field,
+                                                    std::wstring_view token);
 
   DBDefinition const& definition_;
   char16_t separator_;

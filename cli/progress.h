@@ -2,25 +2,39 @@
 #ifndef TABWERK_CLI_PROGRESS_H
 #define TABWERK_CLI_PROGRESS_H
 
+#include <chrono>
 #include <memory>
 #include <string>
 
 namespace tabwerk::tool {
 
-// While it lives, a line on standard error that says what is done and for how
-// long: only on a terminal, and only after half a second.  The library's own
-// progress texts take the place of the first text.  One at a time.
+// While it lives, a line on standard error that says what is done: only on a
+// terminal, only after half a second, not with -q.  Where the amount of work
+// is known, there is a bar with the rate and the time that remains; else the
+// time so far.  The library's own progress texts take the place of the first
+// text.  One at a time.
 class Progress {
  public:
-  explicit Progress(std::string const& text);
+  // unit is that of total: "row"; total 0: not known.
+  explicit Progress(std::string const& text, long long total = 0,
+                    char const* unit = "");
   ~Progress();
   Progress(Progress const&) = delete;
   Progress& operator=(Progress const&) = delete;
+
+  // So much of total is done.  Cheap enough for every row.
+  void Advance(long long done);
 
  private:
   struct State;
   std::unique_ptr<State> state_;  // null without a terminal
 };
+
+// What is drawn: "text  [#####     ]  50 %  1 200 rows/s, 3 s left", cut to fit
+// into so many columns.
+std::string ProgressLine(std::string const& text, long long done,
+                         long long total, char const* unit,
+                         std::chrono::milliseconds elapsed, std::size_t width);
 
 }  // namespace tabwerk::tool
 

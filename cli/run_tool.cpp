@@ -3,91 +3,121 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/errors.h"
+#include "cli/files.h"
+#include "cli/help_text.h"
+#include "cli/parser.h"
+#include "cli/settings.h"
 
 namespace tabwerk::tool {
 namespace {
 
-constexpr char kExitCodes[] =
-    "Exit codes: 0 done, 1 findings, 2 wrong usage, 3 a file cannot be\n"
-    "opened, read or written, 4 damaged file, 5 file held by another process,\n"
-    "6 input rows rejected";
-
-struct Parser {
-  CLI::App app{"Makes databases, looks into them and fills user files",
-               "tabwerk"};
-  std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> commands;
-};
-
-void Declare(Parser& parser) {
-  parser.app.require_subcommand(1);
-  parser.app.set_version_flag("--version", "tabwerk " TABWERK_VERSION);
-  parser.app.footer(kExitCodes);
-  for (CommandEntry const& entry : AllCommands()) {
-    CLI::App* const app = parser.app.add_subcommand(entry.name, entry.summary);
-    parser.commands.emplace_back(app, entry.make());
-    parser.commands.back().second->Declare(*app);
+// The command that the line names; null for none.
+DeclaredCommand const* CommandInUse(Parser const& parser) {
+  for (DeclaredCommand const& command : parser.commands()) {
+    if (command.app->parsed()) return &command;
   }
-}
-
-// The name of the command that the user was about to use, as it is typed.
-std::string CommandInUse(CLI::App const& app) {
-  std::string name = "tabwerk";
-  for (CLI::App const* const it : app.get_subcommands()) {
-    name += " " + it->get_name();
-  }
-  return name;
+  return nullptr;
 }
 
 // Help that was asked for, or what is wrong with the command line.
-ExitCode AnswerParser(CLI::App const& app, CLI::ParseError const& answer) {
-  if (answer.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
-    bool const version = answer.get_name() == "CallForVersion";
-    console::Out(version ? std::string(answer.what()) + "\n" : app.help());
-    return ExitCode::kDone;
+ExitCode AnswerParser(Parser& parser, CLI::ParseError const& answer) {
+  DeclaredCommand const* const command = CommandInUse(parser);
+  if (answer.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
+    std::string const name =
+        command != nullptr ? std::string(" ") + command->entry->name : "";
+    return Report(
+        {TW(101), "", answer.what(), "see \"tabwerk" + name + " --help\""});
   }
-  return Report({ExitCode::kUsage, "", answer.what(),
-                 "see \"" + CommandInUse(app) + " --help\""});
+  if (answer.get_name() == "CallForVersion") {
+    console::Out(std::string(answer.what()) + "\n");
+  } else {
+    console::Out(command != nullptr ? CommandHelp(*command)
+                                    : WholeHelp(parser));
+  }
+  return ExitCode::kDone;
+}
+
+// Letters to be changed, left out or put in to make one word of the other.
+std::size_t Distance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  for (std::size_t i = 0; i < row.size(); ++i) row[i] = i;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      std::size_t const changed = diagonal + (a[i] == b[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
+    }
+  }
+  return row.back();
+}
+
+Problem UnknownCommand(std::string const& word) {
+  constexpr std::size_t kAlike = 2;
+  auto const& all = AllCommands();
+  auto const* const nearest = *std::min_element(
+      all.begin(), all.end(), [&](auto const* a, auto const* b) {
+        return Distance(word, a->name) < Distance(word, b->name);
+      });
+  std::string const advice =
+      Distance(word, nearest->name) <= kAlike
+          ? "did you mean \"tabwerk " + std::string(nearest->name) + "\"?"
+          : "\"tabwerk help\" lists the commands";
+  return {TW(102), "", "there is no command or file " + word, advice};
+}
+
+// "tabwerk FILE" is "tabwerk info FILE".
+bool LooksLikeFile(std::string const& word) {
+  std::error_code error;
+  return word.find_first_of("./\\") != word.npos ||
+         std::filesystem::exists(ToPath(word), error);
 }
 
 ExitCode Dispatch(std::vector<std::string> arguments) {
+  if (arguments.empty()) {
+    console::Out(ShortHelp());
+    return ExitCode::kDone;
+  }
+  std::string const& first = arguments.front();
+  if (!first.starts_with('-') && FindCommand(first) == nullptr) {
+    if (!LooksLikeFile(first)) return Report(UnknownCommand(first));
+    arguments.insert(arguments.begin(), "info");
+  }
   Parser parser;
-  Declare(parser);
   // The parser takes them from the end.
   std::reverse(arguments.begin(), arguments.end());
   try {
-    parser.app.parse(std::move(arguments));
+    parser.app().parse(std::move(arguments));
   } catch (CLI::ParseError const& answer) {
-    return AnswerParser(parser.app, answer);
+    return AnswerParser(parser, answer);
   }
-  for (auto const& [app, command] : parser.commands) {
-    if (app->parsed()) return command->Run();
-  }
-  return ExitCode::kUsage;
+  return CommandInUse(parser)->command->Run();
 }
 
 }  // namespace
 
 int RunTool(std::vector<std::string> arguments) {
   console::SetUp();
+  CurrentSettings() = Settings();
   ExitCode code = ExitCode::kDone;
   try {
     code = Dispatch(std::move(arguments));
   } catch (std::bad_alloc const&) {
-    code = Report({ExitCode::kFile, "", "there is not enough memory",
+    code = Report({TW(121), "", "there is not enough memory",
                    "close other programs and try again"});
   } catch (std::exception const& exception) {
-    code = Report({ExitCode::kFile, "", exception.what(), ""});
+    code = Report({TW(122), "", exception.what(), ""});
   }
   if (!console::FlushOut() && code == ExitCode::kDone) {
-    code = Report({ExitCode::kFile, "", "the output could not be written",
+    code = Report({TW(120), "", "the output could not be written",
                    "check where it goes and the space there"});
   }
   return static_cast<int>(code);

@@ -8,6 +8,7 @@
 
 #include "DBDirectory.h"
 #include "cli/files.h"
+#include "cli/text.h"
 #include "ztypes.h"
 
 namespace tabwerk::tool {
@@ -47,13 +48,21 @@ class Lines {
     begins_line_ = whole;
     at_end_ = !whole && length < kMaxLineBytes;
     std::string_view const line = rest.substr(0, length);
-    return line.substr(0, line.find('\0'));
+    current_ = line.substr(0, line.find('\0'));
+    return current_;
   }
+  std::string_view Current() const { return current_; }
+  // Offset behind a part of the text.
+  std::size_t EndOf(std::string_view part) const {
+    return static_cast<std::size_t>(part.data() - text_.data()) + part.size();
+  }
+  std::string const& Text() const { return text_; }
   bool AtEnd() const { return at_end_; }
   std::size_t Number() const { return number_; }
 
  private:
   std::string text_;
+  std::string_view current_;
   std::size_t at_ = 0;
   std::size_t number_ = 0;
   bool begins_line_ = true;
@@ -70,6 +79,12 @@ std::string_view NextWord(std::string_view* line, std::string_view separators) {
   return word;
 }
 
+// A script is 8-bit text, and most are UTF-8 to those who write them.
+std::string TextToUtf8(std::string_view bytes) {
+  std::string const text = zWString::fromUtf8(bytes).toUtf8();
+  return text == bytes ? text : zWString::fromLatin1(bytes).toUtf8();
+}
+
 bool IsKeyword(std::string_view word) {
   return word == "NEWDATABASE" || word == "NEWTABLE" || word == "TABLEDATA";
 }
@@ -82,15 +97,12 @@ class Scanner {
   ScriptScan Run();
 
  private:
-  Problem At(std::size_t line, std::string what, std::string advice,
-             ExitCode code = ExitCode::kFindings) const {
-    return {code, script_ + ":" + std::to_string(line), std::move(what),
-            std::move(advice)};
-  }
-  bool Fail(std::string what, std::string advice,
-            ExitCode code = ExitCode::kFindings) {
+  // word is a part of the current line; what is meant in it.  Without one,
+  // it is the end of the line.
+  Place At(std::string_view word = {}) const;
+  bool Fail(Code code, Place where, std::string what, std::string advice) {
     scan_.failure =
-        At(lines_.Number(), std::move(what), std::move(advice), code);
+        Problem{code, std::move(where), std::move(what), std::move(advice)};
     return false;
   }
 
@@ -105,9 +117,23 @@ class Scanner {
   std::string const& script_;
   Lines lines_;
   ScriptScan scan_;
+  std::string_view keyword_;  // of the current statement
   bool has_database_ = false;
   std::set<std::string, std::less<>> tables_;
 };
+
+Place Scanner::At(std::string_view word) const {
+  std::string_view line = lines_.Current();
+  line = line.substr(0, line.find_last_not_of(" \t\n") + 1);
+  std::size_t const before =
+      word.empty() ? line.size()
+                   : static_cast<std::size_t>(word.data() - line.data());
+  Place place(script_, lines_.Number(),
+              CharacterCount(TextToUtf8(line.substr(0, before))) + 1);
+  place.source = TextToUtf8(line);
+  place.length = std::max<std::size_t>(1, CharacterCount(TextToUtf8(word)));
+  return place;
+}
 
 ScriptScan Scanner::Run() {
   bool sound = true;
@@ -125,22 +151,24 @@ ScriptScan Scanner::Run() {
     sound = Statement(keyword, line);
   }
   if (sound && !has_database_) {
-    scan_.failure = Problem{ExitCode::kFindings, script_,
-                            "there is no statement NEWDATABASE",
-                            "begin it with \"NEWDATABASE name file\""};
+    scan_.failure =
+        Problem{TW(215), script_, "there is no statement NEWDATABASE",
+                "begin it with \"NEWDATABASE name file\""};
   }
+  scan_.text = lines_.Text();
   return scan_;
 }
 
 void Scanner::NoteUnexecuted(std::string_view keyword) {
   if (!IsKeyword(keyword)) return;
   scan_.remarks.push_back(
-      At(lines_.Number(),
-         "the last line is not carried out, because no line feed ends it",
-         "end the line"));
+      {TW(216), At(),
+       "the last line is not carried out, because no line feed ends it",
+       "end the line"});
 }
 
 bool Scanner::Statement(std::string_view keyword, std::string_view rest) {
+  keyword_ = keyword;
   if (keyword == "NEWDATABASE") return NewDatabase(rest);
   if (keyword == "NEWTABLE") return NewTable(rest);
   if (keyword == "TABLEDATA") return TableData(rest);
@@ -148,40 +176,45 @@ bool Scanner::Statement(std::string_view keyword, std::string_view rest) {
 }
 
 bool Scanner::NewDatabase(std::string_view rest) {
-  NextWord(&rest, kDatabaseSeparators);
-  std::string const file(NextWord(&rest, kDatabaseSeparators));
+  std::string const name(NextWord(&rest, kDatabaseSeparators));
+  std::string_view const word = NextWord(&rest, kDatabaseSeparators);
+  std::string const file(word);
   if (file.empty()) {
-    return Fail("NEWDATABASE needs a name and a file",
+    return Fail(TW(201), At(), "NEWDATABASE needs a name and a file",
                 "write \"NEWDATABASE name file\"");
   }
-  scan_.database_file = NameToUtf8(file.c_str());
+  scan_.databases.push_back(
+      {NameToUtf8(name.c_str()), NameToUtf8(file.c_str()), lines_.EndOf(word)});
   has_database_ = true;
   tables_.clear();
   return true;
 }
 
 bool Scanner::NewTable(std::string_view rest) {
-  std::string const table(NextWord(&rest, kTableSeparators));
+  std::string_view const table_word = NextWord(&rest, kTableSeparators);
+  std::string const table(table_word);
   if (!has_database_) {
-    return Fail("NEWTABLE stands before NEWDATABASE",
+    return Fail(TW(202), At(keyword_), "NEWTABLE stands before NEWDATABASE",
                 "begin the script with \"NEWDATABASE name file\"");
   }
   if (table.empty()) {
-    return Fail("NEWTABLE needs a name", "write \"NEWTABLE name\"");
+    return Fail(TW(203), At(), "NEWTABLE needs a name",
+                "write \"NEWTABLE name\"");
   }
   if (table.size() >= DBDirEntry::kNameSize) {
-    return Fail("the name of the table is too long",
+    return Fail(TW(204), At(table_word), "the name of the table is too long",
                 "use no more than 63 characters");
   }
   if (!tables_.insert(table).second) {
-    return Fail("there is already a table " + NameToUtf8(table.c_str()),
+    return Fail(TW(205), At(table_word),
+                "there is already a table " + NameToUtf8(table.c_str()),
                 "give this one another name");
   }
   return Definition(table);
 }
 
 bool Scanner::Definition(std::string const& table) {
-  std::size_t const begin = lines_.Number();
+  Place const begin = At(keyword_);
   std::size_t length = 0;
   for (;;) {
     std::string_view line = lines_.Next();
@@ -189,21 +222,23 @@ bool Scanner::Definition(std::string const& table) {
     if (name == "ENDDEF") return true;
     std::string_view const type = NextWord(&line, kWordSeparators);
     if (type.empty() && lines_.AtEnd()) {
-      scan_.failure = At(begin,
-                         "the definition of table " +
-                             NameToUtf8(table.c_str()) + " does not end",
-                         "put a line \"ENDDEF\" behind its columns");
-      return false;
+      return Fail(TW(206), begin,
+                  "the definition of table " + NameToUtf8(table.c_str()) +
+                      " does not end",
+                  "put a line \"ENDDEF\" behind its columns");
     }
     if (type.empty()) {
-      return Fail(name.empty() ? "an empty line inside a definition"
-                               : "a column needs a name and a type",
-                  "write \"name type\", or end the definition with "
-                  "\"ENDDEF\"");
+      constexpr char kAdvice[] =
+          "write \"name type\", or end the definition with \"ENDDEF\"";
+      if (name.empty()) {
+        return Fail(TW(208), At(), "an empty line inside a definition",
+                    kAdvice);
+      }
+      return Fail(TW(207), At(), "a column needs a name and a type", kAdvice);
     }
     length += name.size() + type.size() + 3;
     if (length > kMaxDefinitionBytes) {
-      return Fail("the definition is too long",
+      return Fail(TW(209), At(name), "the definition is too long",
                   "use fewer columns, or shorter names");
     }
   }
@@ -211,33 +246,47 @@ bool Scanner::Definition(std::string const& table) {
 
 bool Scanner::TableData(std::string_view rest) {
   NextWord(&rest, kWordSeparators);
-  std::string const path(NextWord(&rest, kWordSeparators));
+  std::string_view const path_word = NextWord(&rest, kWordSeparators);
+  std::string const path(path_word);
   if (path.empty()) {
-    return Fail("TABLEDATA needs a table and a file",
+    return Fail(TW(210), At(), "TABLEDATA needs a table and a file",
                 "write \"TABLEDATA table file\"");
   }
   if (path.size() > kMaxDataPathBytes) {
-    return Fail("the path of the data file is too long",
+    return Fail(TW(211), At(path_word), "the path of the data file is too long",
                 "use no more than 259 bytes");
   }
   if (tables_.empty()) {
-    return Fail("TABLEDATA stands before NEWTABLE",
+    return Fail(TW(212), At(keyword_), "TABLEDATA stands before NEWTABLE",
                 "define the table first; the data go into the last one");
   }
   std::error_code error;
   if (!std::filesystem::exists(ToPath(path), error)) {
-    return Fail("there is no data file \"" + path + "\"",
-                "paths are relative to the current folder; see the option -C",
-                ExitCode::kFile);
+    return Fail(TW(213), At(path_word),
+                "there is no data file \"" + path + "\"",
+                "paths are relative to the current folder; see the option -C");
   }
   if (!std::filesystem::is_regular_file(ToPath(path), error)) {
-    return Fail("the data file \"" + path + "\" is no file",
-                "name a file of table data", ExitCode::kFile);
+    return Fail(TW(214), At(path_word),
+                "the data file \"" + path + "\" is no file",
+                "name a file of table data");
   }
   return true;
 }
 
 }  // namespace
+
+std::string ScriptScan::DatabaseFile() const {
+  return databases.empty() ? "" : databases.back().file;
+}
+
+std::string ScriptScan::WithEnding(std::string const& ending) const {
+  std::string script = text;
+  for (auto it = databases.rbegin(); it != databases.rend(); ++it) {
+    script.insert(it->file_end, ending);
+  }
+  return script;
+}
 
 ScriptScan ScanScript(std::string const& script, std::string const& content) {
   return Scanner(script, content).Run();

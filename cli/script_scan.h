@@ -12,8 +12,22 @@
 
 namespace tabwerk::tool {
 
+struct ScriptDatabase {
+  std::string name;
+  std::string file;
+  std::size_t file_end;  // offset in the text behind the file's name
+};
+
 struct ScriptScan {
-  std::string database_file;  // of the last database; empty: none
+  // File of the last database; empty: none.
+  std::string DatabaseFile() const;
+  // The script with an ending behind the name of every database file, so that
+  // it does the same beside them.
+  std::string WithEnding(std::string const& ending) const;
+
+  std::vector<ScriptDatabase> databases;
+  // The text as the library reads it.
+  std::string text;
   // The first statement that cannot be carried out.
   std::optional<Problem> failure;
   // What is left out without a failure.

@@ -10,6 +10,7 @@
 #include "cli/files.h"
 #include "cli/index_state.h"
 #include "cli/progress.h"
+#include "cli/settings.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -42,7 +43,7 @@ Problem WhyNotOpenedTogether(DatabaseFiles const& files, Access user_access) {
       return WhyNotOpened(path, user_access);
     }
   }
-  return {ExitCode::kFile, files.user,
+  return {TW(126), files.user,
           "the tables in it are defined otherwise than in " + files.main,
           "open it with the main file that it was made for"};
 }
@@ -52,54 +53,18 @@ std::optional<Problem> Open(DatabaseFiles const& files, bool for_write) {
   DBbase::Init({name}, {Paths(files)});
   Progress const progress("opening " + files.main);
   if (DBbase::GetDBBaseInstance()->Open(name, for_write, false) == 1) {
+    Tell("opened database " + files.DatabaseName() + ": " + files.main +
+         (files.user.empty() ? "" : " with " + files.user));
     return std::nullopt;
   }
   return WhyNotOpenedTogether(files,
                               for_write ? Access::kUpdate : Access::kRead);
 }
 
-std::optional<Problem> CopyFile(fs::path const& from, fs::path const& to) {
-  std::string content;
-  if (!ReadWhole(from, &content)) {
-    return Problem{ExitCode::kFile, ToUtf8(from), "the file cannot be read",
-                   "check its permissions"};
-  }
-  if (!WriteWhole(to, content)) {
-    return Problem{ExitCode::kFile, ToUtf8(to),
-                   "a copy to look at cannot be written",
-                   "make room on the disk, or let TMPDIR (on Windows: TEMP) "
-                   "name another folder"};
-  }
-  return std::nullopt;
-}
-
-// Copies the user file with its index file; also one that a save has left for
-// the next opening to put in its place (its name goes on behind ".idx").
-std::optional<Problem> CopyUserFiles(DatabaseFiles const& files,
-                                     fs::path const& folder) {
-  fs::path const user_file = ToPath(files.user);
-  if (auto problem = CopyFile(user_file, folder / user_file.filename())) {
-    return problem;
-  }
-  fs::path const index = IndexPath(files.user, files.DatabaseName());
-  std::string const prefix = ToUtf8(index.filename());
-  fs::path const parent = index.parent_path();
-  std::error_code error;
-  for (auto const& entry :
-       fs::directory_iterator(parent.empty() ? fs::path(".") : parent, error)) {
-    fs::path const name = entry.path().filename();
-    if (!ToUtf8(name).starts_with(prefix)) continue;
-    // An index that cannot be read is like a missing one: the library shows
-    // the rows as they are stored.
-    static_cast<void>(CopyFile(entry.path(), folder / name));
-  }
-  return std::nullopt;
-}
-
 // For a table that is not wholly in memory.
 Problem DamagedTable(DatabaseFiles const& files, DBDirEntry const& entry) {
   bool const in_user_file = entry.GetPartLoaded(0);
-  return {ExitCode::kDamaged, in_user_file ? files.user : files.main,
+  return {TW(124), in_user_file ? files.user : files.main,
           "table " + NameToUtf8(entry.GetName()) +
               " is damaged and cannot be loaded",
           "restore the file from a backup; \"tabwerk info\" shows which "
@@ -134,7 +99,56 @@ void AddDatabaseOptions(CLI::App& app, DatabaseFiles* files,
       ->required(user_file_required);
   app.add_option("--name", files->name,
                  "Name of the database, where it is not that of FILE; the "
-                 "index file is called after it");
+                 "index file is called after it")
+      ->type_name("NAME");
+}
+
+std::vector<fs::path> IndexFiles(DatabaseFiles const& files) {
+  fs::path const index = IndexPath(files.user, files.DatabaseName());
+  std::string const name = ToUtf8(index.filename());
+  fs::path const parent = index.parent_path();
+  std::vector<fs::path> found;
+  std::error_code error;
+  for (auto const& entry :
+       fs::directory_iterator(parent.empty() ? fs::path(".") : parent, error)) {
+    std::string const other = ToUtf8(entry.path().filename());
+    bool const waits =
+        other.starts_with(name + ".") &&
+        other.find_first_not_of("-0123456789", name.size() + 1) == other.npos;
+    if (other == name || waits) found.push_back(parent / other);
+  }
+  return found;
+}
+
+std::optional<Problem> CopyFile(fs::path const& from, fs::path const& to) {
+  std::string content;
+  if (!ReadWhole(from, &content)) {
+    return Problem{TW(116), ToUtf8(from), "the file cannot be read",
+                   "check its permissions"};
+  }
+  if (!WriteWhole(to, content)) {
+    return Problem{TW(117), ToUtf8(to), "a copy cannot be written",
+                   "make room on the disk, or let TMPDIR (on Windows: TEMP) "
+                   "name another folder"};
+  }
+  Tell("copied " + ToUtf8(from) + " to " + ToUtf8(to));
+  return std::nullopt;
+}
+
+std::optional<Problem> CopyUserFiles(DatabaseFiles const& files,
+                                     fs::path const& folder) {
+  fs::path const user_file = ToPath(files.user);
+  std::error_code error;
+  if (fs::exists(user_file, error)) {
+    auto problem = CopyFile(user_file, folder / user_file.filename());
+    if (problem) return problem;
+  }
+  for (fs::path const& index : IndexFiles(files)) {
+    // An index that cannot be read is like a missing one: the library shows
+    // the rows as they are stored.
+    static_cast<void>(CopyFile(index, folder / index.filename()));
+  }
+  return std::nullopt;
 }
 
 std::optional<Problem> OpenToLook(DatabaseFiles const& files) {
@@ -149,7 +163,9 @@ std::optional<Problem> OpenToLook(DatabaseFiles const& files) {
   copies.name = files.DatabaseName();
   copies.user = ToUtf8(folder.path() / ToPath(files.user).filename());
   auto problem = Open(copies, false);
-  if (problem && problem->where == copies.user) problem->where = files.user;
+  if (problem && problem->where.file == copies.user) {
+    problem->where = files.user;
+  }
   return problem;
 }
 
@@ -180,7 +196,7 @@ std::optional<Problem> FindTable(DatabaseFiles const& files,
       return DamagedTable(files, *(*table)->GetDirEntry(false));
     }
   }
-  return Problem{ExitCode::kUsage, files.main, "there is no table " + name,
+  return Problem{TW(106), files.main, "there is no table " + name,
                  "the tables are " + TableNames()};
 }
 

@@ -2,8 +2,10 @@
 #ifndef TABWERK_CLI_SESSION_H
 #define TABWERK_CLI_SESSION_H
 
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "DBTabelle.h"
 #include "cli/errors.h"
@@ -27,6 +29,16 @@ struct DatabaseFiles {
 // Adds the positional FILE, then USERFILE (needed or not), and --name.
 void AddDatabaseOptions(CLI::App& app, DatabaseFiles* files,
                         bool user_file_required = false);
+
+// The index file of the database, where it is there, and those that a save has
+// left for the next opening to put in its place.
+std::vector<std::filesystem::path> IndexFiles(DatabaseFiles const& files);
+
+std::optional<Problem> CopyFile(std::filesystem::path const& from,
+                                std::filesystem::path const& to);
+// Copies the user file, where it is there, and its index files.
+std::optional<Problem> CopyUserFiles(DatabaseFiles const& files,
+                                     std::filesystem::path const& folder);
 
 // Opens the database in the manager so that no file of the user's is made or
 // changed: what would change an index file is done with copies.  The tables

@@ -75,7 +75,7 @@ std::optional<Problem> NewUserFile::MakeWhenMissing() {
   was_made_ = written && !error;
   if (was_made_) return std::nullopt;
   fs::remove(draft, error);
-  return Problem{ExitCode::kFile, files_.user, "the user file cannot be made",
+  return Problem{TW(115), files_.user, "the user file cannot be made",
                  "check that its folder exists, can be written and has room"};
 }
 

@@ -56,6 +56,7 @@ function(tabwerk_add_header_checks)
   if(TARGET tabwerk_tool)
     tabwerk_stage_headers(tabwerk_lone_headers_cxx20 CLI)
     tabwerk_stage_headers(tabwerk_lone_headers_cxx20 nlohmann)
+    tabwerk_stage_headers(tabwerk_lone_headers_cxx20 fmt)
   endif()
   add_dependencies(tabwerk_lone_headers tabwerk_lone_headers_cxx20)
 

@@ -4,7 +4,7 @@
 # library gets a folder with nothing in it but a link to that library.
 
 set(TABWERK_HEADER_ROOT "/usr/include" CACHE PATH
-  "Folder that holds the header-only libraries CLI and nlohmann")
+  "Folder that holds the header-only libraries CLI, fmt and nlohmann")
 
 # tabwerk_stage_headers(TARGET NAME): lets TARGET include <NAME/...>.
 function(tabwerk_stage_headers target name)

@@ -1,5 +1,6 @@
 // tabwerk build.
 #include "DBDirectory.h"
+#include "tests/cli/expected.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {
@@ -67,7 +68,8 @@ TEST_F(ToolBuild, ComplainsInUtf8AboutAPathThatIsNone) {
 TEST_F(ToolBuild, SaysThatTheFolderIsMissing) {
   auto const run = Run({"build", "stock.script", "-C", "none"});
   EXPECT_EQ(
-      "none: error: this is no folder to work in; check the path behind -C\n",
+      "none: error[TW130]: this is no folder to work in; check the path behind "
+      "-C\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
 }
@@ -75,7 +77,8 @@ TEST_F(ToolBuild, SaysThatTheFolderIsMissing) {
 TEST_F(ToolBuild, SaysThatTheScriptIsMissing) {
   auto const run = Run({"build", "none.script"});
   EXPECT_EQ(
-      "none.script: error: the script cannot be read; check its path and "
+      "none.script: error[TW116]: the script cannot be read; check its path "
+      "and "
       "permissions\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
@@ -88,48 +91,35 @@ TEST_F(ToolBuild, NamesTheLineOfAMissingDataFileAndKeepsTheOldDatabase) {
   std::string const before = Snapshot();
   auto const run = Run({"build", "stock.script"});
   EXPECT_EQ(
-      "stock.script:7: error: there is no data file \"article.txt\"; paths "
-      "are relative to the current folder; see the option -C\n",
+      "stock.script:7:19: error[TW213]: there is no data file \"article.txt\"; "
+      "paths are relative to the current folder; see the option -C\n"
+      "    7 | TABLEDATA ARTICLE article.txt\n"
+      "      |                   ^~~~~~~~~~~\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
   EXPECT_EQ(before, Snapshot());
 }
 
-TEST_F(ToolBuild, NamesTheLineOfAMistake) {
-  EXPECT_EQ(
-      "a.script:2: error: NEWDATABASE needs a name and a file; write "
-      "\"NEWDATABASE name file\"\n",
-      Complaint("# comment\nNEWDATABASE a\n", 1));
-  EXPECT_EQ(
-      "a.script:1: error: NEWTABLE stands before NEWDATABASE; begin the "
-      "script with \"NEWDATABASE name file\"\n",
-      Complaint("NEWTABLE T\nA integer\nENDDEF\n", 1));
-  EXPECT_EQ(
-      "a.script:4: error: a column needs a name and a type; write \"name "
-      "type\", or end the definition with \"ENDDEF\"\n",
-      Complaint("NEWDATABASE a a.db\nNEWTABLE T\nA integer\nB\nENDDEF\n", 1));
-  EXPECT_EQ(
-      "a.script:3: error: an empty line inside a definition; write \"name "
-      "type\", or end the definition with \"ENDDEF\"\n",
-      Complaint("NEWDATABASE a a.db\nNEWTABLE T\n\nENDDEF\n", 1));
-  EXPECT_EQ(
-      "a.script:2: error: the definition of table T does not end; put a line "
-      "\"ENDDEF\" behind its columns\n",
-      Complaint("NEWDATABASE a a.db\r\nNEWTABLE T\r\nA integer\r\n", 1));
-  EXPECT_EQ(
-      "a.script:5: error: there is already a table T; give this one another "
-      "name\n",
-      Complaint("NEWDATABASE a a.db\nNEWTABLE T\nA integer\nENDDEF\n"
-                "NEWTABLE T\nA integer\nENDDEF\n",
-                1));
-  EXPECT_EQ(
-      "a.script:2: error: TABLEDATA stands before NEWTABLE; define the table "
-      "first; the data go into the last one\n",
-      Complaint("NEWDATABASE a a.db\nTABLEDATA T t.txt\n", 1));
-  EXPECT_EQ(
-      "a.script: error: there is no statement NEWDATABASE; begin it with "
-      "\"NEWDATABASE name file\"\n",
-      Complaint("# nothing\n", 1));
+TEST_F(ToolBuild, ShowsThePlaceOfAMistake) {
+  std::string const table = "NEWDATABASE a a.db\nNEWTABLE T\n";
+  std::string const wide = std::string(3500, 'A') + " integer\n";
+  std::string found;
+  for (std::string const& script :
+       {std::string("# comment\nNEWDATABASE a\n"),
+        std::string("NEWTABLE T\nA integer\nENDDEF\n"),
+        std::string("NEWDATABASE a a.db\nNEWTABLE\n"),
+        "NEWDATABASE a a.db\nNEWTABLE " + std::string(64, 'T') + "\n",
+        table + "A integer\nB\nENDDEF\n", table + "\nENDDEF\n",
+        std::string("NEWDATABASE a a.db\r\nNEWTABLE T\r\nA integer\r\n"),
+        table + "A integer\nENDDEF\n \tNEWTABLE T\nA integer\nENDDEF\n",
+        std::string("NEWDATABASE a a.db\nTABLEDATA T t.txt\n"),
+        table + "A integer\nENDDEF\nTABLEDATA T\n",
+        table + "A integer\nENDDEF\nTABLEDATA Größe倉 " +
+            std::string(260, 'x') + "\n",
+        table + wide + wide + wide + wide + wide, std::string("# nothing\n")}) {
+    found += Complaint(script, 1);
+  }
+  EXPECT_EQ(Expected("build_mistakes", found), found);
   EXPECT_EQ(std::vector<std::string>{"a.script"}, folder_.Names());
 }
 
@@ -141,8 +131,11 @@ TEST_F(ToolBuild, ReportsALastLineThatIsNotCarriedOut) {
   auto const run = Run({"build", "a.script"});
   EXPECT_EQ("a.db: built with 1 table, 0 rows\n  T: 0 rows\n", run.out);
   EXPECT_EQ(
-      "a.script:7: error: the last line is not carried out, because no line "
-      "feed ends it; end the line\n",
+      "a.script:7:24: error[TW216]: the last line is not carried out, because "
+      "no "
+      "line feed ends it; end the line\n"
+      "    7 | TABLEDATA T article.txt\n"
+      "      |                        ^\n",
       run.err);
   EXPECT_EQ(1, run.exit_code);
 }
@@ -152,7 +145,8 @@ TEST_F(ToolBuild, ReportsValuesThatWereLeftOut) {
   MakeUnits("article.txt", "1,\"Bolt\",0.25,surplus\n");
   auto const run = Run({"build", "stock.script"});
   EXPECT_EQ(
-      "stock.script: error: Number of columns and number of token do not "
+      "stock.script: error[TW217]: Number of columns and number of token do "
+      "not "
       "match in table ARTICLE; values behind the last column were left out; "
       "correct the data file and build again\n",
       run.err);
@@ -162,7 +156,8 @@ TEST_F(ToolBuild, ReportsValuesThatWereLeftOut) {
 
 TEST_F(ToolBuild, SaysThatTheFolderOfTheDatabaseIsMissing) {
   EXPECT_EQ(
-      "no/a.db: error: its folder \"no\" does not exist; make the folder "
+      "no/a.db: error[TW115]: its folder \"no\" does not exist; make the "
+      "folder "
       "first\n",
       Complaint("NEWDATABASE a no/a.db\nNEWTABLE T\nA integer\nENDDEF\n", 3));
 }
@@ -173,8 +168,9 @@ TEST_F(ToolBuild, SaysThatTheDatabaseIsReadOnly) {
   folder_.SetReadOnly("stock.db", true);
   std::string const before = Snapshot();
   auto const run = Run({"build", "stock.script"});
-  EXPECT_EQ("stock.db: error: the file is read-only; make it writable first\n",
-            run.err);
+  EXPECT_EQ(
+      "stock.db: error[TW113]: the file is read-only; make it writable first\n",
+      run.err);
   EXPECT_EQ(3, run.exit_code);
   EXPECT_EQ(before, Snapshot());
 }
@@ -188,7 +184,8 @@ TEST_F(ToolBuild, SaysThatTheDatabaseIsHeldAndKeepsIt) {
   std::string const before = Snapshot();
   auto const run = Run({"build", "stock.script"});
   EXPECT_EQ(
-      "stock.db: error: another process holds the file; close the program "
+      "stock.db: error[TW114]: another process holds the file; close the "
+      "program "
       "that uses it and try again\n",
       run.err);
   EXPECT_EQ(5, run.exit_code);
@@ -205,7 +202,8 @@ TEST_F(ToolBuild, ComparesTheVersionOfAScriptNamedD000) {
             Run({"build", "D000.script", "--expect-version", "1"}).exit_code);
   auto const run = Run({"build", "D000.script", "--expect-version", "2"});
   EXPECT_EQ(
-      "D000.script: error: the version of the data is not \"2\"; the database "
+      "D000.script: error[TW219]: the version of the data is not \"2\"; the "
+      "database "
       "was built all the same; check its table VERSION\n",
       run.err);
   EXPECT_EQ(1, run.exit_code);

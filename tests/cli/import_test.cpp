@@ -72,11 +72,15 @@ TEST_F(ToolImport, SetsRejectedLinesAsideVerbatim) {
       "rows.txt.rejected\n",
       run.out);
   EXPECT_EQ(
-      "rows.txt:2: warning: 4 values for 5 columns; the line is rejected\n"
-      "rows.txt:4: warning: 6 values for 5 columns; the line is rejected\n"
-      "rows.txt:5: warning: \"1.234,5\" is no number for column PRICE; the "
+      "rows.txt:2: warning[TW603]: 4 values for 5 columns; the line is "
+      "rejected\n"
+      "rows.txt:4: warning[TW603]: 6 values for 5 columns; the line is "
+      "rejected\n"
+      "rows.txt:5: warning[TW605]: \"1.234,5\" is no number for column PRICE; "
+      "the "
       "line is rejected\n"
-      "rows.txt:7: warning: \"x\" is no number for column PRICE; the line is "
+      "rows.txt:7: warning[TW605]: \"x\" is no number for column PRICE; the "
+      "line is "
       "rejected\n",
       run.err);
   EXPECT_EQ(6, run.exit_code);
@@ -97,7 +101,8 @@ TEST_F(ToolImport, RejectsALineThatTheLibraryWouldReadInPieces) {
             false);
   auto const run = Import();
   EXPECT_EQ(
-      "rows.txt:2: warning: the line is longer than 4094 characters; the line "
+      "rows.txt:2: warning[TW601]: the line is longer than 4094 characters; "
+      "the line "
       "is rejected\n",
       run.err);
   EXPECT_EQ(6, run.exit_code);
@@ -115,8 +120,10 @@ TEST_F(ToolImport, RejectsEmptyValuesBetweenTabs) {
             "0\t0\t0\tRivet\t0.1\n0\t\t0\tPin\t1\n0\t0\t0\tNail\t\n");
   auto const run = Import("\\t");
   EXPECT_EQ(
-      "rows.txt:2: warning: 4 values for 5 columns; the line is rejected\n"
-      "rows.txt:3: warning: 4 values for 5 columns; the line is rejected\n",
+      "rows.txt:2: warning[TW603]: 4 values for 5 columns; the line is "
+      "rejected\n"
+      "rows.txt:3: warning[TW603]: 4 values for 5 columns; the line is "
+      "rejected\n",
       run.err);
   EXPECT_EQ("[20000|3|0|Washer|0.5][20001|4|0|Rivet|0.1]",
             Rows("STOCK.UDB", "ARTICLE"));
@@ -152,7 +159,8 @@ TEST_F(ToolImport, RefusesATextOfBytes) {
   folder_.Make("rows.txt", "0;0;0;Rivet;1\n");
   auto const run = Import();
   EXPECT_EQ(
-      "rows.txt: error: this is no UTF-16LE text; save it as \"Unicode text\" "
+      "rows.txt: error[TW129]: this is no UTF-16LE text; save it as \"Unicode "
+      "text\" "
       "(UTF-16, little-endian)\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
@@ -164,7 +172,8 @@ TEST_F(ToolImport, RefusesANameThatIsNoUserFile) {
   auto const run =
       Run({"import", "rows.txt", "stock.db", "stock.udb", "-t", "ARTICLE"});
   EXPECT_EQ(
-      "stock.udb: error: this is no name of a user file; a user file ends in "
+      "stock.udb: error[TW104]: this is no name of a user file; a user file "
+      "ends in "
       "\".UDB\", a main file does not\n",
       run.err);
   EXPECT_EQ(2, run.exit_code);
@@ -175,7 +184,8 @@ TEST_F(ToolImport, RefusesASeparatorOfTwoCharacters) {
   MakeUnits("rows.txt", "0;0;0;Rivet;1\n");
   auto const run = Import(";;");
   EXPECT_EQ(
-      "tabwerk: error: \";;\" cannot be a separator; name one character, for "
+      "tabwerk: error[TW103]: \";;\" cannot be a separator; name one "
+      "character, for "
       "example --separator \";\"\n",
       run.err);
   EXPECT_EQ(2, run.exit_code);
@@ -190,7 +200,8 @@ TEST_F(ToolImport, SaysThatTheUserFileIsHeldAndKeepsIt) {
   std::string const before = Snapshot();
   auto const run = Import();
   EXPECT_EQ(
-      "STOCK.UDB: error: another process holds the file; close the program "
+      "STOCK.UDB: error[TW114]: another process holds the file; close the "
+      "program "
       "that uses it and try again\n",
       run.err);
   EXPECT_EQ(5, run.exit_code);
@@ -205,7 +216,8 @@ TEST_F(ToolImport, RefusesADatabaseWithADamagedTable) {
   folder_.Make("stock.db", bytes);
   auto const run =
       Run({"import", "rows.txt", "stock.db", "STOCK.UDB", "-t", "EMPTY"});
-  EXPECT_EQ(0U, run.err.find("stock.db: error: table ARTICLE is damaged"))
+  EXPECT_EQ(0U,
+            run.err.find("stock.db: error[TW124]: table ARTICLE is damaged"))
       << run.err;
   EXPECT_EQ(4, run.exit_code);
   EXPECT_EQ("", Rows("STOCK.UDB", "EMPTY"));
@@ -219,7 +231,8 @@ TEST_F(ToolImport, RefusesAUserFileWithoutTheTable) {
                              {{"EMPTY", "integer ID,string NAME\n", {}}}});
   auto const run = Import();
   EXPECT_EQ(
-      "STOCK.UDB: error: there is no table ARTICLE in this file; it was made "
+      "STOCK.UDB: error[TW127]: there is no table ARTICLE in this file; it was "
+      "made "
       "for an earlier main file; let the program that uses it bring it up to "
       "date\n",
       run.err);

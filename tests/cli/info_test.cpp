@@ -102,8 +102,9 @@ TEST_F(ToolInfo, MarksADamagedTable) {
       "    ARTICLE  DAMAGED  ID integer, FOLGE integer, STATUS "
       "integer, NAME string, PRICE real",
       Line(run.out, "  ARTICLE"));
-  EXPECT_EQ("stock.db: error: the file is damaged; restore it from a backup\n",
-            run.err);
+  EXPECT_EQ(
+      "stock.db: error[TW125]: the file is damaged; restore it from a backup\n",
+      run.err);
   EXPECT_EQ(4, run.exit_code);
 }
 
@@ -121,7 +122,7 @@ TEST_F(ToolInfo, GoesOnAfterAMissingFile) {
   MakeMainFile();
   auto const run = Run({"info", "none.db", "stock.db"});
   EXPECT_EQ("  tables   2 tables, 2 rows", Line(run.out, "tables"));
-  EXPECT_EQ(0U, run.err.find("none.db: error: there is no such file"));
+  EXPECT_EQ(0U, run.err.find("none.db: error[TW110]: there is no such file"));
   EXPECT_EQ(3, run.exit_code);
 }
 
@@ -131,7 +132,7 @@ TEST_F(ToolInfo, SaysThatTheFileIsHeld) {
   holder.Initialize(zWString(), {folder_.Path("stock.db")});
   ASSERT_TRUE(holder.OpenDBdatei(0, true, true));
   auto const run = Run({"info", "stock.db"});
-  EXPECT_EQ(0U, run.err.find("stock.db: error: another process holds"))
+  EXPECT_EQ(0U, run.err.find("stock.db: error[TW114]: another process holds"))
       << run.err;
   EXPECT_EQ(5, run.exit_code);
 }

@@ -88,7 +88,8 @@ TEST_F(ToolShow, NamesTheTablesWhenThereIsNoSuchTable) {
   MakeMainFile();
   auto const run = Run({"show", "stock.db", "-t", "article"});
   EXPECT_EQ(
-      "stock.db: error: there is no table article; the tables are EMPTY, "
+      "stock.db: error[TW106]: there is no table article; the tables are "
+      "EMPTY, "
       "ARTICLE\n",
       run.err);
   EXPECT_EQ(2, run.exit_code);
@@ -97,7 +98,8 @@ TEST_F(ToolShow, NamesTheTablesWhenThereIsNoSuchTable) {
 TEST_F(ToolShow, NamesAMissingFile) {
   auto const run = Run({"show", "none.db", "-t", "T"});
   EXPECT_EQ(
-      "none.db: error: there is no such file; check the path, or make the "
+      "none.db: error[TW110]: there is no such file; check the path, or make "
+      "the "
       "database with \"tabwerk build\"\n",
       run.err);
   EXPECT_EQ("", run.out);
@@ -107,7 +109,7 @@ TEST_F(ToolShow, NamesAMissingFile) {
 TEST_F(ToolShow, NamesAMissingUserFile) {
   MakeMainFile();
   auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
-  EXPECT_EQ(0U, run.err.find("STOCK.UDB: error: there is no such file"))
+  EXPECT_EQ(0U, run.err.find("STOCK.UDB: error[TW110]: there is no such file"))
       << run.err;
   EXPECT_EQ(3, run.exit_code);
 }
@@ -115,7 +117,7 @@ TEST_F(ToolShow, NamesAMissingUserFile) {
 TEST_F(ToolShow, RefusesAFolder) {
   folder_.MakeFolder("sub");
   auto const run = Run({"show", "sub", "-t", "T"});
-  EXPECT_EQ("sub: error: this is a folder; name a file of a database\n",
+  EXPECT_EQ("sub: error[TW111]: this is a folder; name a file of a database\n",
             run.err);
   EXPECT_EQ(3, run.exit_code);
 }
@@ -123,7 +125,7 @@ TEST_F(ToolShow, RefusesAFolder) {
 TEST_F(ToolShow, RefusesAFileThatIsNoDatabase) {
   folder_.Make("text.db", "verily, this is a text\n");
   auto const run = Run({"show", "text.db", "-t", "T"});
-  EXPECT_EQ(0U, run.err.find("text.db: error: this is no database file"))
+  EXPECT_EQ(0U, run.err.find("text.db: error[TW123]: this is no database file"))
       << run.err;
   EXPECT_EQ(4, run.exit_code);
 }
@@ -136,7 +138,7 @@ TEST_F(ToolShow, RefusesAUserFileOfOtherTables) {
                 {{"ARTICLE", "string NAME\n", {}}, {"EMPTY", "real X\n", {}}}});
   auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
   EXPECT_EQ(
-      "STOCK.UDB: error: the tables in it are defined otherwise than in "
+      "STOCK.UDB: error[TW126]: the tables in it are defined otherwise than in "
       "stock.db; open it with the main file that it was made for\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
@@ -150,7 +152,7 @@ TEST_F(ToolShow, RefusesADamagedTableAndShowsTheOthers) {
   folder_.Make("stock.db", bytes);
   auto const run = Run({"show", "stock.db", "-t", "ARTICLE"});
   EXPECT_EQ(
-      "stock.db: error: table ARTICLE is damaged and cannot be loaded; "
+      "stock.db: error[TW124]: table ARTICLE is damaged and cannot be loaded; "
       "restore the file from a backup; \"tabwerk info\" shows which tables "
       "are sound\n",
       run.err);
@@ -165,7 +167,8 @@ TEST_F(ToolShow, SaysThatTheFileIsHeld) {
   ASSERT_TRUE(holder.OpenDBdatei(0, true, true));
   auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
   EXPECT_EQ(
-      "STOCK.UDB: error: another process holds the file; close the program "
+      "STOCK.UDB: error[TW114]: another process holds the file; close the "
+      "program "
       "that uses it and try again\n",
       run.err);
   EXPECT_EQ(5, run.exit_code);
@@ -214,7 +217,8 @@ TEST_F(ToolShow, SaysThatTheOutputIsLost) {
   auto const run = RunToolInto("/dev/full", folder_.folder(),
                                {"show", "stock.db", "-t", "ARTICLE"});
   EXPECT_EQ(
-      "tabwerk: error: the output could not be written; check where it goes "
+      "tabwerk: error[TW120]: the output could not be written; check where it "
+      "goes "
       "and the space there\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
@@ -252,7 +256,8 @@ TEST_F(ToolDump, NeedsAUserFileForTheUsersRows) {
   MakeStock();
   auto const run = Run({"dump", "stock.db", "-t", "ARTICLE", "--user"});
   EXPECT_EQ(
-      "tabwerk: error: --user needs a USERFILE; name the user file behind "
+      "tabwerk: error[TW105]: --user needs a USERFILE; name the user file "
+      "behind "
       "FILE\n",
       run.err);
   EXPECT_EQ(2, run.exit_code);

@@ -1,0 +1,100 @@
+#include "cli/out_file.h"
+
+#include <fmt/format.h>
+
+#include <system_error>
+#include <utility>
+
+#include "cli/console.h"
+#include "cli/database_file.h"
+#include "cli/files.h"
+#include "cli/settings.h"
+#include "schema/format.h"
+
+namespace tabwerk::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kDraftNames = 100;
+
+// The data of a database, which nobody wants to lose to a slip of the hand.
+bool IsData(std::string const& path) {
+  if (path.ends_with(format::kIndexFileExtension) || IsUserFile(path)) {
+    return true;
+  }
+  std::ifstream file(ToPath(path), std::ios::binary);
+  std::string start(format::kVersionTag.size(), '\0');
+  file.read(start.data(), static_cast<std::streamsize>(start.size()));
+  return file &&
+         (start == format::kVersionTag || start == format::kRecordStart);
+}
+
+}  // namespace
+
+OutFile::OutFile(std::string path) : path_(std::move(path)) {
+  if (path_ == "-") path_.clear();
+}
+
+OutFile::~OutFile() {
+  if (draft_.empty()) return;
+  stream_.close();
+  std::error_code ignored;  // a draft that stays does no harm
+  fs::remove(draft_, ignored);
+}
+
+std::optional<Problem> OutFile::Open() {
+  if (IsStandardOutput()) return std::nullopt;
+  std::error_code error;
+  fs::path const target = ToPath(path_);
+  if (fs::is_directory(target, error)) {
+    return Problem{TW(111), path_, "this is a folder",
+                   "name a file for the output"};
+  }
+  if (fs::exists(target, error) && IsData(path_)) {
+    return Problem{TW(108), path_, "output does not replace a database",
+                   "name another file behind -o"};
+  }
+  fs::path draft;
+  for (int i = 0; i < kDraftNames; ++i) {
+    draft = ToPath(fmt::format("{}.part{}", path_, i));
+    if (!fs::exists(draft, error)) break;
+  }
+  stream_.open(draft, std::ios::binary | std::ios::trunc);
+  if (!stream_) return NotWritten();
+  draft_ = draft;
+  return std::nullopt;
+}
+
+void OutFile::Write(std::string_view text) {
+  if (IsStandardOutput()) return console::Out(text);
+  stream_.write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+bool OutFile::Failed() const {
+  return IsStandardOutput() ? console::OutFailed() : stream_.fail();
+}
+
+std::optional<Problem> OutFile::Close() {
+  if (IsStandardOutput()) return std::nullopt;  // looked at when all is done
+  stream_.close();
+  if (stream_.fail()) return NotWritten();
+  std::error_code error;
+  fs::rename(draft_, ToPath(path_), error);
+  if (error) return NotWritten();
+  draft_.clear();
+  Tell("wrote " + path_);
+  return std::nullopt;
+}
+
+bool OutFile::IsTerminal() const {
+  return IsStandardOutput() && console::OutIsTerminal();
+}
+
+Problem OutFile::NotWritten() const {
+  return {TW(117), path_, "the output cannot be written",
+          "check its folder and the space on the disk, and that no program "
+          "holds the file"};
+}
+
+}  // namespace tabwerk::tool

@@ -1,0 +1,47 @@
+// Where a command's output goes.
+#ifndef TABWERK_CLI_OUT_FILE_H
+#define TABWERK_CLI_OUT_FILE_H
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "cli/errors.h"
+
+namespace tabwerk::tool {
+
+// Standard output, or a file that appears under its name when it is complete:
+// it is written beside and moved there.  Without that, the destructor removes
+// what was written.
+class OutFile {
+ public:
+  // path as behind -o; empty or "-" is standard output.
+  explicit OutFile(std::string path);
+  ~OutFile();
+  OutFile(OutFile const&) = delete;
+  OutFile& operator=(OutFile const&) = delete;
+
+  // A problem for a folder, for a place that cannot be written and for a
+  // database or index file, which output never replaces.
+  std::optional<Problem> Open();
+  void Write(std::string_view text);
+  // True when what is written from now on is lost.
+  bool Failed() const;
+  std::optional<Problem> Close();
+
+  bool IsTerminal() const;
+  bool IsStandardOutput() const { return path_.empty(); }
+
+ private:
+  Problem NotWritten() const;
+
+  std::string path_;
+  std::filesystem::path draft_;
+  std::ofstream stream_;
+};
+
+}  // namespace tabwerk::tool
+
+#endif  // TABWERK_CLI_OUT_FILE_H

@@ -1,0 +1,173 @@
+// Help, manual page, completions and the page of the tool against the table of
+// commands, as the tool itself hands it out.
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "tests/cli/tool_test.h"
+#include "tests/support/places.h"
+
+namespace tabwerk::test {
+namespace {
+
+using Words = std::set<std::string>;
+
+// All matches of the first group.
+Words Matches(std::string const& text, char const* pattern) {
+  std::regex const regex(pattern);
+  Words words;
+  for (std::sregex_iterator it(text.begin(), text.end(), regex), end; it != end;
+       ++it) {
+    words.insert((*it)[1]);
+  }
+  return words;
+}
+
+std::string ReadProjectFile(std::string const& name) {
+  std::ifstream file(ProjectPath(name), std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The commands are the files cmd_NAME.cpp; their options are what their help
+// lists.
+class ToolCommands : public ToolTest {
+ protected:
+  ToolCommands() {
+    for (auto const& entry :
+         std::filesystem::directory_iterator(ProjectPath("cli"))) {
+      std::string const file = entry.path().filename().string();
+      std::smatch match;
+      if (!std::regex_match(file, match, std::regex("cmd_([a-z]+)\\.cpp"))) {
+        continue;
+      }
+      std::string const help = Run({match[1], "--help"}).out;
+      options_[match[1]] = Matches(help, "(--[a-z-]+)");
+      helps_[match[1]] = help;
+    }
+  }
+
+  // Words of the table that the text lacks.
+  std::string Missing(std::string const& text, bool fish = false) const {
+    std::string missing;
+    for (auto const& [command, options] : options_) {
+      if (text.find(command) == text.npos) missing += command + " ";
+      for (std::string const& option : options) {
+        std::string const word = fish ? " -l " + option.substr(2) : option;
+        if (text.find(word) == text.npos) missing += command + option + " ";
+      }
+    }
+    return missing;
+  }
+
+  std::map<std::string, Words> options_;
+  std::map<std::string, std::string> helps_;
+};
+
+TEST_F(ToolCommands, EachHasAFileAndHelp) {
+  EXPECT_LE(8U, options_.size());
+  for (auto const& [command, help] : helps_) {
+    EXPECT_EQ(0U, help.find("Usage: tabwerk " + command)) << help;
+    EXPECT_NE(std::string::npos, help.find("\nExamples:\n")) << command;
+    EXPECT_TRUE(options_[command].contains("--quiet")) << command;
+    EXPECT_EQ(help, Run({"help", command}).out);
+  }
+}
+
+TEST_F(ToolCommands, WholeHelpListsEach) {
+  std::string const help = Run({"help"}).out;
+  EXPECT_EQ(help, Run({"--help"}).out);
+  Words commands;
+  for (auto const& [command, options] : options_) commands.insert(command);
+  Words listed = Matches(help, "\n  ([a-z]+)  ");
+  EXPECT_EQ(commands, listed);
+  EXPECT_NE(std::string::npos, help.find("Exit codes:\n  0  done"));
+}
+
+TEST_F(ToolCommands, ManualPageListsEach) {
+  auto const run = Run({"help", "--man"});
+  std::string page = run.out;
+  page.erase(std::remove(page.begin(), page.end(), '\\'), page.end());
+  EXPECT_EQ("", Missing(page));
+  EXPECT_EQ(0U, page.find(".TH TABWERK 1"));
+}
+
+TEST_F(ToolCommands, CompletionsListEach) {
+  for (char const* const shell : {"bash", "zsh", "fish", "powershell"}) {
+    auto const run = Run({"completion", shell});
+    EXPECT_EQ(0, run.exit_code);
+    EXPECT_EQ("", Missing(run.out, std::string(shell) == "fish")) << shell;
+  }
+  EXPECT_EQ(2, Run({"completion", "tcsh"}).exit_code);
+}
+
+TEST_F(ToolCommands, EachIsASectionOfThePage) {
+  Words const sections =
+      Matches(ReadProjectFile("docs/tool.md"), "\n### ([a-z]+)\n");
+  Words commands;
+  for (auto const& [command, options] : options_) commands.insert(command);
+  EXPECT_EQ(commands, sections);
+}
+
+// The library's directory is there in every build; the numbers that the
+// sources use are those that are explained.
+TEST_F(ToolCommands, MessagesUseTheNumbersThatAreExplained) {
+  Words used;
+  for (auto const& entry :
+       std::filesystem::directory_iterator(ProjectPath("cli"))) {
+    std::string const file = entry.path().filename().string();
+    if (!file.ends_with(".cpp") && !file.ends_with(".h")) continue;
+    if (file.starts_with("codes")) continue;
+    for (auto const& number :
+         Matches(ReadProjectFile("cli/" + file), "TW\\((\\d+)\\)")) {
+      used.insert(number);
+    }
+  }
+  Words explained;
+  std::istringstream lines(Run({"explain", "--columns", "CODE"}).out);
+  std::string line;
+  std::getline(lines, line);
+  while (std::getline(lines, line)) {
+    EXPECT_TRUE(explained.insert(line.substr(2)).second) << line;
+  }
+  EXPECT_LE(50U, explained.size());
+  EXPECT_EQ(explained, used);
+}
+
+TEST_F(ToolCommands, ExplainSaysMoreOfANumber) {
+  for (char const* const spelling : {"TW110", "tw110", "110"}) {
+    auto const run = Run({"explain", spelling});
+    EXPECT_EQ(0U, run.out.find("TW110 (no-such-file): ")) << run.out;
+    EXPECT_NE(std::string::npos, run.out.find("\nExit code 3.\n"));
+  }
+  EXPECT_EQ(2, Run({"explain", "TW999"}).exit_code);
+  EXPECT_EQ(2, Run({"explain", "TW1x"}).exit_code);
+}
+
+#ifndef _WIN32
+
+// What bash makes of the script.
+TEST_F(ToolCommands, BashCompletes) {
+  folder_.Make("complete", Run({"completion", "bash"}).out);
+  auto const complete = [this](std::string const& words, int at) {
+    folder_.Make("run", ". ./complete\nCOMP_WORDS=(" + words +
+                            ")\nCOMP_CWORD=" + std::to_string(at) +
+                            "\n_tabwerk\necho \"${COMPREPLY[*]}\" > result\n");
+    EXPECT_EQ(
+        0, std::system(
+               ("cd '" + folder_.folder().string() + "' && bash run").c_str()));
+    return folder_.Content("result");
+  };
+  EXPECT_EQ("show\n", complete("tabwerk sh", 1));
+  EXPECT_EQ("--format\n", complete("tabwerk show --fo", 2));
+  EXPECT_EQ("json\n", complete("tabwerk show --format j", 3));
+  EXPECT_EQ("import\n", complete("tabwerk help im", 2));
+}
+
+#endif
+
+}  // namespace
+}  // namespace tabwerk::test
