@@ -111,7 +111,7 @@ long SweepShareGenerations::ReadGeneration(Arguments const& files,
 
 TEST_F(SweepShareGenerations, AReaderSeesOneWholeGeneration) {
   auto const begin = std::chrono::steady_clock::now();
-  long const saves = WholeSweep() ? 10000 : 200;
+  long const saves = WholeSweep() ? 10000 : 100;
   MakeFirst();
   Arguments const files = {Path("MAIN.db"), Path("USER.UDB")};
   ChildProcess writer("SaveGenerations", {files[0], files[1],
