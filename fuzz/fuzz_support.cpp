@@ -31,17 +31,12 @@ std::string Shown(std::string_view text) {
   return shown;
 }
 
-std::string ReadFile(fs::path const& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 void AddFiles(fs::path const& folder, std::string const& prefix,
               std::map<std::string, std::string>* files) {
   for (auto const& entry : fs::directory_iterator(folder)) {
     if (!entry.is_regular_file()) continue;
     files->emplace(prefix + entry.path().filename().string(),
-                   ReadFile(entry.path()));
+                   ReadWhole(entry.path()));
   }
 }
 
@@ -101,6 +96,11 @@ std::u16string AsUnits(std::span<std::uint8_t const> bytes) {
     units += static_cast<char16_t>(bytes[i] | bytes[i + 1] << 8);
   }
   return units;
+}
+
+std::string ReadWhole(std::filesystem::path const& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // --- The folder -------------------------------------------------------------

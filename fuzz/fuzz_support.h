@@ -26,6 +26,8 @@ void RequireEqual(std::string_view expected, std::string_view got,
 // odd last byte is left out).
 std::string_view AsText(std::span<std::uint8_t const> bytes);
 std::u16string AsUnits(std::span<std::uint8_t const> bytes);
+// The bytes of a file; none when it cannot be read.
+std::string ReadWhole(std::filesystem::path const& path);
 
 // Two folders of this process alone, removed at its end: one for files and one
 // for temporary files.  The seam of the fuzz targets lets the library reach
@@ -48,6 +50,8 @@ class PrivateFolder {
   // True for a path that lies in one of the two, once "." and ".." are carried
   // out.
   bool Holds(std::filesystem::path const& path) const;
+  // A path beside the two folders.
+  std::filesystem::path Aside(char const* name) const { return root_ / name; }
   // With a separator at its end.
   std::filesystem::path TemporaryFiles() const;
   std::filesystem::path const& path() const { return folder_; }

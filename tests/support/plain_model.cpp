@@ -176,7 +176,11 @@ std::int32_t ToInteger(std::u16string const& text) {
 }
 
 double ToReal(std::u16string const& text) {
-  return std::strtod(Narrow(text).c_str(), nullptr);
+  auto const narrow = Narrow(text);
+  char* end = nullptr;
+  double const value = std::strtod(narrow.c_str(), &end);
+  // Some C libraries read a sign alone as -0.
+  return end == narrow.c_str() ? 0 : value;
 }
 
 // --- Rows -------------------------------------------------------------------
