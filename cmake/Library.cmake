@@ -54,7 +54,9 @@ else()
   # visibility; the version script keeps them inside.
   set(tabwerk_exports "${PROJECT_SOURCE_DIR}/cmake/exports.map")
   target_link_options(tabwerk PRIVATE
-    "-Wl,--version-script=${tabwerk_exports}")
+    "-Wl,--version-script=${tabwerk_exports}"
+    # Its own calls of exported members go straight there.
+    -Wl,-Bsymbolic-functions)
   set_target_properties(tabwerk PROPERTIES LINK_DEPENDS "${tabwerk_exports}")
   if(NOT TABWERK_SANITIZE)
     # A sanitizer's run-time library is only there in the program.

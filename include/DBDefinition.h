@@ -8,6 +8,10 @@
 
 #include "tabwerk_export.h"
 
+namespace tabwerk {
+struct DefinitionAccess;
+}  // namespace tabwerk
+
 // Type of a field.  The numbers are part of the interface.
 enum DBType : std::int32_t {
   DBTypeUnknown = 0,  // no bytes in the row record
@@ -96,6 +100,8 @@ class TABWERK_API DBDefinition {
   int GenerateString(char* buffer, long size) const;
 
  private:
+  friend struct tabwerk::DefinitionAccess;
+
   DBFeld* fields_;
   std::int32_t memory_size_;
 };

@@ -14,6 +14,10 @@
 
 #include "tabwerk_export.h"
 
+namespace tabwerk {
+struct StringAccess;
+}  // namespace tabwerk
+
 // A text of 16-bit units.  A value class: copies are independent.
 //
 // Exhausted memory is reported by std::bad_alloc, as the standard string does.
@@ -82,6 +86,8 @@ class TABWERK_API zWString {
   zWString& operator+=(zWString const& other);
 
  private:
+  friend struct tabwerk::StringAccess;
+
   std::u16string text_;
 };
 

@@ -5,6 +5,7 @@
 #include "DBDefinition.h"
 #include "schema/format.h"
 #include "schema/layout.h"
+#include "schema/names.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ long DBDefinition::GetMemorySize() const { return memory_size_; }
 int DBDefinition::GetOffset(char const* name, DBFeld*& field) const {
   if (name == nullptr) return 0;
   for (DBFeld* it = fields_; it != nullptr; it = it->next) {
-    if (std::strncmp(it->name, name, DBFeld::kNameSize) == 0) {
+    if (tabwerk::SameName(it->name, name)) {
       field = it;
       return 1;
     }

@@ -8,6 +8,16 @@
 
 namespace tabwerk {
 
+// What every access to a value asks of a definition, without a call.
+struct DefinitionAccess {
+  static std::int32_t RecordSize(DBDefinition const& definition) noexcept {
+    return definition.memory_size_;
+  }
+  static DBFeld* Fields(DBDefinition const& definition) noexcept {
+    return definition.fields_;
+  }
+};
+
 // Bytes of a value of that type in a row record; 0 for an unknown type.
 std::int32_t ValueSize(DBType type) noexcept;
 

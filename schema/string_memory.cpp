@@ -25,22 +25,11 @@ bool LiesIn(tabwerk::platform::Block const& block,
 
 }  // namespace
 
-std::optional<std::u16string_view> DBStringMemory::Text(
-    std::int32_t index) const noexcept {
-  if (index < 0) return std::nullopt;
-  auto const first = static_cast<std::size_t>(index);
-  if (first > count()) return std::nullopt;
-  // An empty store has no buffer at all.
-  if (first == count()) return std::u16string_view();
-  std::u16string_view const rest(Units(units_) + first, count() - first);
-  return rest.substr(0, rest.find(u'\0'));
-}
-
 bool DBStringMemory::CopyFrom(DBStringMemory const& other) {
   if (this == &other) return true;
   tabwerk::platform::Block copy;
   if (other.count() != 0) {
-    if (!copy.Reset(other.units_.size())) return false;
+    if (!copy.ResetUnset(other.units_.size())) return false;
     std::memcpy(copy.data(), other.units_.data(), copy.size());
   }
   units_ = std::move(copy);

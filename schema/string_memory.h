@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/block.h"
+#include "schema/text_scan.h"
 
 // A sequence of texts of 16-bit units, each followed by a NUL unit.
 //
@@ -30,7 +31,25 @@ class DBStringMemory {
   std::byte const* data() const noexcept { return units_.data(); }
 
   // Text at index, without its NUL; nothing when there is none.
-  std::optional<std::u16string_view> Text(std::int32_t index) const noexcept;
+  std::optional<std::u16string_view> Text(std::int32_t index) const noexcept {
+    auto const units = UnitsFrom(index);
+    if (!units) return std::nullopt;
+    return tabwerk::ScanText(*units).text;
+  }
+  // All units from index on, the text at index and those behind it; nothing
+  // when there is no text at index.
+  std::optional<std::u16string_view> UnitsFrom(
+      std::int32_t index) const noexcept {
+    if (index < 0) return std::nullopt;
+    auto const first = static_cast<std::size_t>(index);
+    std::size_t const units = count();
+    if (first > units) return std::nullopt;
+    // An empty store has no buffer at all.
+    if (first == units) return std::u16string_view();
+    auto const* const start =
+        static_cast<char16_t const*>(static_cast<void const*>(units_.data()));
+    return std::u16string_view(start + first, units - first);
+  }
 
   // Replaces the content by a copy of other's; false, and no change, without
   // memory.

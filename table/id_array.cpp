@@ -6,7 +6,7 @@ namespace tabwerk {
 
 IdArray::IdArray(std::int64_t first, std::int64_t last)
     : first_(first),
-      rows_(static_cast<std::size_t>(last - first + 1)),
+      rows_(static_cast<std::size_t>(last - first + 1), kNoRow),
       present_(rows_.size()) {}
 
 void IdArray::Set(std::int32_t id, std::int32_t row) noexcept {
@@ -20,6 +20,7 @@ void IdArray::Set(std::int32_t id, std::int32_t row) noexcept {
 bool IdArray::Remove(std::int32_t id) noexcept {
   if (!Find(id)) return false;
   present_.Remove(Position(id));
+  rows_[Position(id)] = kNoRow;
   --count_;
   return true;
 }

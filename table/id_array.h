@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -27,8 +28,12 @@ class IdArray {
     return id >= first_ && static_cast<std::size_t>(id - first_) < rows_.size();
   }
   std::optional<std::int32_t> Find(std::int32_t id) const noexcept {
-    if (!Covers(id) || !present_.Has(Position(id))) return std::nullopt;
-    return rows_[Position(id)];
+    if (!Covers(id)) return std::nullopt;
+    std::size_t const position = Position(id);
+    std::int32_t const row = rows_[position];
+    // The one row number that stands for none, too, needs a second look.
+    if (row == kNoRow && !present_.Has(position)) return std::nullopt;
+    return row;
   }
   // Enters an ID of the window or replaces its row.
   void Set(std::int32_t id, std::int32_t row) noexcept;
@@ -51,6 +56,10 @@ class IdArray {
   }
 
  private:
+  // What an absent ID has in place of a row.
+  static constexpr std::int32_t kNoRow =
+      std::numeric_limits<std::int32_t>::min();
+
   std::size_t Position(std::int32_t id) const noexcept {
     return static_cast<std::size_t>(id - first_);
   }

@@ -9,9 +9,7 @@ namespace {
 
 std::int32_t RecordSize(DBTabelle& table) {
   DBDefinition const* const definition = TableAccess::Definition(table);
-  return definition == nullptr
-             ? 0
-             : static_cast<std::int32_t>(definition->GetMemorySize());
+  return definition == nullptr ? 0 : DefinitionAccess::RecordSize(*definition);
 }
 
 }  // namespace
@@ -52,16 +50,30 @@ RowWalk::RowWalk(DBTabelle& table) noexcept
     : table_(table),
       parts_(TableAccess::SubTables(table).data()),
       part_count_(TableAccess::SubTables(table).size()),
-      record_size_(RecordSize(table)),
-      part_rows_(part_count_ == 0 ? 0 : parts_[0].part->Rows()) {}
+      record_size_(RecordSize(table)) {
+  if (part_count_ != 0) EnterPart(0, -1);
+}
+
+void RowWalk::EnterPart(std::size_t part, std::int32_t part_row) noexcept {
+  part_index_ = part;
+  part_ = parts_[part].part;
+  part_row_ = part_row;
+  part_rows_ = part_->Rows();
+  record_ = std::ptrdiff_t{part_row} * record_size_;
+  whole_rows_ = part_rows_;
+  if (record_size_ <= 0) return;  // no column lies in it
+  auto const rows_in_block =
+      part_->rows.size() / static_cast<std::size_t>(record_size_);
+  if (rows_in_block < static_cast<std::size_t>(part_rows_)) {
+    whole_rows_ = static_cast<std::int32_t>(rows_in_block);
+  }
+}
 
 bool RowWalk::NextPart() noexcept {
   std::size_t next = part_index_ + 1;
   while (next < part_count_ && parts_[next].part->Rows() <= 0) ++next;
   if (next >= part_count_) return false;
-  part_index_ = next;
-  part_row_ = -1;
-  part_rows_ = parts_[next].part->Rows();
+  EnterPart(next, -1);
   return true;
 }
 
@@ -70,9 +82,7 @@ bool RowWalk::MoveTo(std::int64_t row) noexcept {
   for (std::size_t i = 0; row >= first && i < part_count_; ++i) {
     std::int32_t const rows = parts_[i].part->Rows();
     if (row - first < rows) {
-      part_index_ = i;
-      part_row_ = static_cast<std::int32_t>(row - first);
-      part_rows_ = rows;
+      EnterPart(i, static_cast<std::int32_t>(row - first));
       row_ = row;
       return true;
     }

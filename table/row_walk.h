@@ -52,6 +52,7 @@ class RowWalk {
     if (part_row_ + 1 >= part_rows_ && !NextPart()) return false;
     ++part_row_;
     ++row_;
+    record_ += record_size_;
     return true;
   }
   // To any row, given by its number over all parts; false, and no move, when
@@ -59,7 +60,7 @@ class RowWalk {
   bool MoveTo(std::int64_t row) noexcept;
   // Number over all parts; -1 before the first row.
   std::int64_t row() const noexcept { return row_; }
-  TablePart& part() const noexcept { return *parts_[part_index_].part; }
+  TablePart& part() const noexcept { return *part_; }
 
   // Value of the present row; false, and *value unchanged, when its bytes do
   // not lie inside the row block.
@@ -79,9 +80,10 @@ class RowWalk {
     ++part().revision;
   }
   std::byte* Place(Column column) const noexcept {
-    if (column.offset < 0 || part_row_ < 0) return nullptr;
-    std::byte* const record = part().Row(part_row_, record_size_);
-    return record == nullptr ? nullptr : record + column.offset;
+    if (column.offset < 0 || part_row_ < 0 || part_row_ >= whole_rows_) {
+      return nullptr;
+    }
+    return part_->rows.data() + record_ + column.offset;
   }
 
   // Selects the present row; nothing happens before the first one.
@@ -89,14 +91,18 @@ class RowWalk {
 
  private:
   bool NextPart() noexcept;
+  void EnterPart(std::size_t part, std::int32_t part_row) noexcept;
 
   DBTabelle& table_;
   DBSubTable* parts_;
   std::size_t part_count_;
   std::int32_t record_size_;
   std::size_t part_index_ = 0;
+  TablePart* part_ = nullptr;
   std::int32_t part_row_ = -1;
   std::int32_t part_rows_ = 0;
+  std::int32_t whole_rows_ = 0;  // those that lie wholly inside the row block
+  std::ptrdiff_t record_ = 0;    // of the present row, in bytes from the first
   std::int64_t row_ = -1;
 };
 

@@ -1,7 +1,6 @@
 // Selecting the row that has a value.
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -10,6 +9,7 @@
 #include "platform/guarded.h"
 #include "platform/numbers.h"
 #include "schema/bytes.h"
+#include "schema/names.h"
 #include "table/column_memory.h"
 #include "table/id_index.h"
 #include "table/row_lookups.h"
@@ -23,7 +23,9 @@ using tabwerk::ColumnMemory;
 using tabwerk::ColumnOf;
 using tabwerk::Guarded;
 using tabwerk::RowWalk;
+using tabwerk::SameName;
 using tabwerk::TableAccess;
+using tabwerk::TextColumn;
 using tabwerk::platform::ParseInt32;
 using tabwerk::platform::ParseReal;
 
@@ -78,12 +80,13 @@ std::optional<int> SearchRemembered(DBTabelle& table,
 
 int SearchText(DBTabelle& table, std::u16string_view text) {
   if (auto const found = SearchRemembered(table, text)) return *found;
-  tabwerk::TextColumn column(table, table.GetAktuelleFeldDef());
+  TextColumn column(table, table.GetAktuelleFeldDef());
   return Search(table, tabwerk::CountRows(table),
                 [&](RowWalk const& walk) -> std::optional<int> {
-                  auto const stored = column.Read(walk);
-                  if (!stored) return 0;
-                  if (*stored == text) return 1;
+                  auto const units = column.StoredUnits(walk);
+                  if (!units) return 0;
+                  if (!TextColumn::MayBe(*units, text)) return std::nullopt;
+                  if (*column.ReadFrom(units) == text) return 1;
                   return std::nullopt;
                 });
 }
@@ -102,12 +105,14 @@ std::int64_t RealSearchLimit(std::int64_t rows) {
 
 int DBTabelle::SelectZeile(char const* column, long value) {
   bool const fits = tabwerk::FitsInt32(value);
-  if (column != nullptr && std::strcmp(column, "ID") == 0) {
+  if (SameName(column, "ID")) {
     if (!fits) return 0;
     auto const row = id_index_->Find(static_cast<std::int32_t>(value));
-    return row ? SelectZeile(static_cast<long>(*row)) : 0;
+    if (!row) return 0;
+    if (TableAccess::SelectInFirstPart(*this, *row)) return 1;
+    return SelectZeile(static_cast<long>(*row));
   }
-  if (column != nullptr && std::strcmp(column, "FOLGE") == 0) {
+  if (SameName(column, "FOLGE")) {
     if (!fits || value < 0) return 0;
     auto const place = static_cast<std::size_t>(value);
     if (place >= folge_index_.size()) return 0;

@@ -1,12 +1,13 @@
 // Selecting a column and a row, and counting rows.
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <optional>
 
 #include "DBTabelle.h"
 #include "platform/guarded.h"
+#include "schema/layout.h"
+#include "schema/names.h"
 #include "schema/part.h"
 #include "table/row_lookups.h"
 #include "table/row_walk.h"
@@ -14,24 +15,27 @@
 #include "table/table_access.h"
 
 using tabwerk::CountRows;
+using tabwerk::DefinitionAccess;
 using tabwerk::Guarded;
+using tabwerk::NameKey;
 using tabwerk::RowLookups;
 using tabwerk::RowWalk;
 using tabwerk::TableAccess;
 
 int DBTabelle::SelectColumn(char const* name) {
-  auto const is = [name](char const* fixed) {
-    return name != nullptr && std::strcmp(name, fixed) == 0;
-  };
-  folge_selected_ = is("FOLGE");
-  status_selected_ = is("STATUS");
-  id_selected_ = is("ID");
-  DBFeld* field = nullptr;
+  static constexpr NameKey kFolge("FOLGE");
+  static constexpr NameKey kStatus("STATUS");
+  static constexpr NameKey kId("ID");
+  NameKey const key(name == nullptr ? "" : name);
+  folge_selected_ = key.IsShort(kFolge);
+  status_selected_ = key.IsShort(kStatus);
+  id_selected_ = key.IsShort(kId);
   // Kept: the flag stays although the column does not change, so a value that
   // is set next goes to the old column and to the index of the missing one.
-  if (definition_ == nullptr || definition_->GetOffset(name, field) == 0) {
-    return 0;
-  }
+  if (definition_ == nullptr || name == nullptr) return 0;
+  DBFeld* field = DefinitionAccess::Fields(*definition_);
+  while (field != nullptr && !key.IsNameOf(*field)) field = field->next;
+  if (field == nullptr) return 0;
   current_field_ = field;
   for (DBSubTable& sub_table : sub_tables_) sub_table.field = field;
   return 1;
@@ -39,6 +43,7 @@ int DBTabelle::SelectColumn(char const* name) {
 
 int DBTabelle::SelectZeile(long row) {
   if (row < 0) return 0;
+  if (TableAccess::SelectInFirstPart(*this, row)) return 1;
   std::int64_t total = 0;
   for (std::size_t i = 0; i < sub_tables_.size(); ++i) {
     std::int64_t const first = total;

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "DBTabelle.h"
 #include "base/translation.h"
@@ -17,6 +16,7 @@
 #include "table/row_lookups.h"
 #include "table/sub_table.h"
 #include "table/table_access.h"
+#include "ztypes/string_access.h"
 
 namespace {
 
@@ -32,8 +32,8 @@ namespace format = tabwerk::format;
 std::byte* Place(DBSubTable const* selected, DBDefinition const* definition,
                  std::int32_t size) {
   if (selected == nullptr || selected->field == nullptr) return nullptr;
-  auto const record_size =
-      static_cast<std::int32_t>(definition->GetMemorySize());
+  std::int32_t const record_size =
+      tabwerk::DefinitionAccess::RecordSize(*definition);
   std::int32_t const offset = selected->field->offset;
   if (offset < 0 || size > record_size || offset > record_size - size) {
     return nullptr;
@@ -131,17 +131,15 @@ int DBTabelle::GetWert(zWString& value) {
   std::byte const* const place =
       Place(selected, definition_, format::kStringSize);
   if (place == nullptr) return 0;
-  auto const text =
-      selected->part->strings->Text(tabwerk::LoadValue<std::int32_t>(place));
-  if (!text) return 0;
+  auto const units = selected->part->strings->UnitsFrom(
+      tabwerk::LoadValue<std::int32_t>(place));
+  if (!units) return 0;
+  auto const stored = tabwerk::ScanText(*units);
   return Guarded(0, [&] {
-    if (!tabwerk::HasTranslation(*text)) {
-      value = zWString(*text);
-      return 1;
-    }
-    std::u16string translated(*text);
-    tabwerk::TranslateText(translated);
-    value = zWString(std::move(translated));
+    auto& text = tabwerk::StringAccess::Units(value);
+    text.assign(stored.text);
+    // Shortens the text in its own buffer.
+    if (stored.has_section_start) tabwerk::TranslateText(text);
     return 1;
   });
 }

@@ -10,6 +10,7 @@
 
 #include "DBTabelle.h"
 #include "platform/block.h"
+#include "schema/part.h"
 #include "table/id_index.h"
 #include "table/sub_table.h"
 
@@ -69,6 +70,15 @@ struct TableAccess {
     table.sub_tables_[part].row = part_row;
     table.current_sub_table_ = part;
     table.current_row_ = static_cast<long>(row);
+  }
+
+  // Makes that row current if it lies in the first part, as most rows do;
+  // false, and no change, otherwise.
+  static bool SelectInFirstPart(DBTabelle& table, std::int64_t row) noexcept {
+    auto& parts = table.sub_tables_;
+    if (row < 0 || parts.empty() || row >= parts[0].part->Rows()) return false;
+    SetCurrent(table, 0, static_cast<std::int32_t>(row), row);
+    return true;
   }
 
   // Lets the index of the column that is selected (FOLGE, STATUS or ID) follow

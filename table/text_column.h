@@ -20,14 +20,38 @@ class TextColumn {
   TextColumn(DBTabelle& table, DBFeld const* field)
       : column_(ColumnOf(table, field, DBTypeString)) {}
 
+  // The store from the text of the walk's present row on, that text and those
+  // behind it, as it is stored; nothing as for Read.
+  std::optional<std::u16string_view> StoredUnits(RowWalk const& walk) const {
+    std::int32_t index = 0;
+    if (!walk.Read(column_, &index)) return std::nullopt;
+    return walk.part().strings->UnitsFrom(index);
+  }
+  // False when that cannot be text in any language, as far as that can be told
+  // without translating: what stands before the first "#" is the same in all.
+  static bool MayBe(std::u16string_view units, std::u16string_view text) {
+    std::size_t same = 0;
+    while (same < text.size() && same < units.size() &&
+           units[same] == text[same]) {
+      if (units[same] == kSectionStart) return true;
+      ++same;
+    }
+    char16_t const differs = same < units.size() ? units[same] : u'\0';
+    return differs == kSectionStart || (differs == 0 && same == text.size());
+  }
+
   // Text of the walk's present row; nothing when the column is no string or
   // the row names no text.  Valid until the next call.  Throws std::bad_alloc.
   std::optional<std::u16string_view> Read(RowWalk const& walk) {
-    std::int32_t index = 0;
-    if (!walk.Read(column_, &index)) return std::nullopt;
-    auto const text = walk.part().strings->Text(index);
-    if (!text || !HasTranslation(*text)) return text;
-    translated_ = *text;
+    return ReadFrom(StoredUnits(walk));
+  }
+  // The same for what StoredUnits gave.
+  std::optional<std::u16string_view> ReadFrom(
+      std::optional<std::u16string_view> units) {
+    if (!units) return std::nullopt;
+    auto const stored = ScanText(*units);
+    if (!stored.has_section_start) return stored.text;
+    translated_ = stored.text;
     TranslateText(translated_);
     return translated_;
   }
