@@ -68,6 +68,8 @@ Pattern::Pattern(std::u16string_view expression) {
   for (std::int32_t const root : tree_.lookaheads) {
     lookaheads_.push_back(Compile(root, true));
   }
+  FindKinds();
+  MakeStates();
 }
 
 // --- Compiling ------------------------------------------------------------
@@ -158,9 +160,97 @@ void Pattern::EmitRepeat(Program* program, Node const& node) const {
     program->code[fork].b = CodeSize(program);
 }
 
-// --- Matching -------------------------------------------------------------
+// --- Matching by states -----------------------------------------------------
+
+// Leaves kind_sample_ empty where states do not suffice: what an assertion says
+// depends on more than the units before, every kind needs a bit, and the states
+// of a long program may be many and large.
+void Pattern::FindKinds() {
+  constexpr std::size_t kMostKinds = 64;
+  constexpr std::size_t kMostInstructions = 1024;
+  if (program_.code.size() > kMostInstructions) return;
+  for (auto const& instruction : program_.code) {
+    bool const consumes =
+        instruction.op == Op::kUnit || instruction.op == Op::kSet;
+    if (!consumes) {
+      kind_of_.push_back(-1);
+      if (instruction.op != Op::kAssert) continue;
+      kind_sample_.clear();
+      return;
+    }
+    auto const same = std::find_if(
+        kind_sample_.begin(), kind_sample_.end(), [&](auto const& sample) {
+          return sample.op == instruction.op && sample.a == instruction.a;
+        });
+    kind_of_.push_back(static_cast<std::int32_t>(same - kind_sample_.begin()));
+    if (same == kind_sample_.end()) kind_sample_.push_back(instruction);
+    if (kind_sample_.size() <= kMostKinds) continue;
+    kind_sample_.clear();
+    return;
+  }
+}
+
+void Pattern::MakeStates() {
+  if (kind_sample_.empty()) return;
+  Threads start;
+  NextRound(program_.code.size());
+  Follow(program_, 0, 0, &start);
+  states_.emplace(
+      Closure(std::move(start)),
+      [this](char16_t unit) { return KindsOf(unit); },
+      [this](PatternStates::Places const& from, std::uint64_t kinds) {
+        return FollowPlaces(from, kinds);
+      });
+}
+
+std::uint64_t Pattern::KindsOf(char16_t unit) {
+  std::uint64_t kinds = 0;
+  for (std::size_t kind = 0; kind < kind_sample_.size(); ++kind) {
+    if (Consumes(kind_sample_[kind], unit)) kinds |= std::uint64_t{1} << kind;
+  }
+  return kinds;
+}
+
+PatternStates::Places Pattern::Closure(Threads threads) const {
+  std::sort(threads.waiting.begin(), threads.waiting.end());
+  return {std::move(threads.waiting), threads.accepted};
+}
+
+PatternStates::Places Pattern::FollowPlaces(PatternStates::Places const& from,
+                                            std::uint64_t kinds) {
+  steps_ = 0;
+  Threads reached;
+  NextRound(program_.code.size());
+  for (std::int32_t const place : from.waiting) {
+    auto const kind = kind_of_[static_cast<std::size_t>(place)];
+    // No assertion looks at the position.
+    if ((kinds >> kind & 1) != 0) Follow(program_, place + 1, 0, &reached);
+  }
+  return Closure(std::move(reached));
+}
 
 bool Pattern::Matches(std::u16string_view text) {
+  if (states_) {
+    auto const verdict = states_->Matches(text);
+    if (verdict != PatternStates::Verdict::kUnknown) {
+      return verdict == PatternStates::Verdict::kMatches;
+    }
+  }
+  return MatchesBySteps(text);
+}
+
+std::optional<bool> Pattern::MatchesStored(std::u16string_view units) {
+  using Verdict = PatternStates::Verdict;
+  auto const verdict =
+      states_ ? states_->MatchesStored(units) : Verdict::kUnknown;
+  if (verdict == Verdict::kMatches) return true;
+  if (verdict == Verdict::kDoesNot) return false;
+  return std::nullopt;
+}
+
+// --- Matching step by step --------------------------------------------------
+
+bool Pattern::MatchesBySteps(std::u16string_view text) {
   text_ = text;
   steps_ = 0;
   found_ahead_.resize(lookaheads_.size());

@@ -3,9 +3,11 @@
 #define TABWERK_TABLE_PATTERN_H
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
+#include "table/pattern_states.h"
 #include "table/pattern_tree.h"
 
 namespace tabwerk {
@@ -23,9 +25,17 @@ class Pattern {
   // (error_stack) or cannot be matched in bounded time (error_complexity).
   explicit Pattern(std::u16string_view expression);
 
+  Pattern(Pattern const&) = delete;
+  Pattern& operator=(Pattern const&) = delete;
+
   // True when the whole text matches.  Throws std::regex_error
   // (error_complexity) when this text takes too long.
   bool Matches(std::u16string_view text);
+  // The same for a text as it is stored, up to its NUL or the end of units;
+  // nothing when that cannot be told before the text is translated.
+  std::optional<bool> MatchesStored(std::u16string_view units);
+  // As Matches, step by step, without what was remembered of other texts.
+  bool MatchesBySteps(std::u16string_view text);
 
  private:
   enum class Op : std::uint8_t {
@@ -60,6 +70,13 @@ class Pattern {
   void EmitRepeat(Program* program, PatternNode const& node) const;
   PatternNode const& NodeAt(std::int32_t node) const;
 
+  void FindKinds();
+  std::uint64_t KindsOf(char16_t unit);
+  PatternStates::Places Closure(Threads threads) const;
+  PatternStates::Places FollowPlaces(PatternStates::Places const& from,
+                                     std::uint64_t kinds);
+  void MakeStates();
+
   void Follow(Program const& program, std::int32_t start, std::size_t position,
               Threads* threads);
   bool Consumes(Instruction const& instruction, char16_t unit);
@@ -73,6 +90,11 @@ class Pattern {
   PatternTree tree_;
   Program program_;
   std::vector<Program> lookaheads_;  // inner ones before outer ones
+
+  // Instructions of the program that stand for the same units have one kind.
+  std::vector<std::int32_t> kind_of_;     // by place; -1 for other instructions
+  std::vector<Instruction> kind_sample_;  // an instruction of every kind
+  std::optional<PatternStates> states_;   // none where they do not suffice
 
   // While a text is matched:
   std::u16string_view text_;

@@ -1,5 +1,6 @@
 // Finding the rows whose text matches a pattern.
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "DBTabelle.h"
@@ -40,10 +41,11 @@ std::vector<long> FindMatches(DBTabelle& table, Pattern& pattern, bool ids) {
   RowWalk walk(table);
   try {
     while (walk.Next()) {
-      auto const text = texts.Read(walk);
-      if (text && pattern.Matches(*text)) {
-        AppendRow(walk, id_column, ids, &found);
-      }
+      auto const units = texts.StoredUnits(walk);
+      if (!units) continue;
+      auto matches = pattern.MatchesStored(*units);
+      if (!matches) matches = pattern.Matches(*texts.ReadFrom(units));
+      if (*matches) AppendRow(walk, id_column, ids, &found);
     }
   } catch (...) {
     walk.Select();

@@ -200,10 +200,16 @@ TEST(PatternRandom, EqualsTheStandardLibraryOnRandomExpressions) {
                             codes::ECMAScript | codes::__polynomial);
     for (int i = 0; i < 12; ++i) {
       auto const text = RandomText(random);
-      ASSERT_EQ(std::regex_match(WidenUnits(text), judge),
-                pattern.Matches(text))
-          << "seed " << seed << " " << zWString(expression).toUtf8() << " on '"
-          << zWString(text).toUtf8() << "'";
+      SCOPED_TRACE("seed " + std::to_string(seed) + " " +
+                   zWString(expression).toUtf8() + " on '" +
+                   zWString(text).toUtf8() + "'");
+      bool const expected = std::regex_match(WidenUnits(text), judge);
+      ASSERT_EQ(expected, pattern.Matches(text));
+      ASSERT_EQ(expected, pattern.MatchesBySteps(text));
+      // Stored texts have others behind them.
+      auto const stored =
+          pattern.MatchesStored(text + std::u16string(u"\0ab", 3));
+      ASSERT_EQ(expected, stored.value_or(expected));
     }
   }
 }
