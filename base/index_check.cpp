@@ -48,12 +48,17 @@ std::optional<Section> ReadSection(MemorySource* source, std::string_view tag,
   }
   Section section;
   section.count = *count;
-  for (std::int32_t i = 0; i < *count; ++i) {
-    if (values_per_entry > 1) (void)Next<std::int32_t>(source);  // any ID
-    auto const row = *Next<std::int32_t>(source);
+  auto const bytes = static_cast<std::size_t>(*count * entry_size);
+  auto const* const entries = source->Remaining().data();
+  // Before the row of an entry of two values stands any ID.
+  auto const step = static_cast<std::size_t>(entry_size);
+  for (auto at = step; at <= bytes; at += step) {
+    auto const row =
+        LoadValue<std::int32_t>(entries + at - sizeof(std::int32_t));
     section.smallest_row = std::min(section.smallest_row, row);
     section.largest_row = std::max(section.largest_row, row);
   }
+  source->Skip(bytes);
   return section;
 }
 

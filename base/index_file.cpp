@@ -63,7 +63,7 @@ std::optional<platform::Block> ReadWhole(FILE* stream) {
   // Too much to be an index: nothing of it is needed to tell so.
   if (size > kLargestIndex) return content;
   auto const bytes = static_cast<std::size_t>(size);
-  if (!content.Reset(bytes) ||
+  if (!content.ResetUnset(bytes) ||
       platform::Read(stream, content.data(), bytes) != bytes) {
     return std::nullopt;
   }

@@ -39,6 +39,16 @@ Block& Block::operator=(Block&& other) noexcept {
 Block::~Block() { Clear(); }
 
 bool Block::Reset(std::size_t size) {
+  if (!ResetUnset(size)) {
+    return false;
+  }
+  if (size > 0) {
+    std::memset(data_, 0, size);
+  }
+  return true;
+}
+
+bool Block::ResetUnset(std::size_t size) {
   if (size == 0) {
     Clear();
     return true;
@@ -47,7 +57,6 @@ bool Block::Reset(std::size_t size) {
   if (fresh == nullptr) {
     return false;
   }
-  std::memset(fresh, 0, size);
   Clear();
   data_ = static_cast<std::byte*>(fresh);
   size_ = size;

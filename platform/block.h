@@ -21,6 +21,8 @@ class Block {
   // Replaces the content by size zero bytes, without reserve.  False, and the
   // block as it was, when there is no memory.
   [[nodiscard]] bool Reset(std::size_t size);
+  // The same with bytes of any content, for one who fills them at once.
+  [[nodiscard]] bool ResetUnset(std::size_t size);
   // Changes the size; new bytes are zero, the others stay.  False, and the
   // block as it was, when there is no memory.
   [[nodiscard]] bool Resize(std::size_t size);

@@ -43,7 +43,7 @@ std::unique_ptr<TablePart> CopyPart(TablePart const& part) {
     auto copy = std::make_unique<TablePart>();
     CopyNumbers(part, copy.get());
     if (part.rows.size() != 0) {
-      if (!copy->rows.Reset(part.rows.size())) copy.reset();
+      if (!copy->rows.ResetUnset(part.rows.size())) copy.reset();
       if (copy) {
         std::memcpy(copy->rows.data(), part.rows.data(), part.rows.size());
       }

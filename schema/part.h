@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "platform/block.h"
 #include "schema/string_memory.h"
@@ -74,6 +75,20 @@ struct TablePart {
   // Number of rows a table sees: 0 for a damaged part, never less.
   std::int32_t Rows() const noexcept {
     return damaged || row_count < 0 ? 0 : row_count;
+  }
+  // Replaces the row block by size bytes of any content, at most as many as fit
+  // into 31 bits; false, and the old block, without memory.
+  [[nodiscard]] bool ReplaceRows(std::size_t size) noexcept {
+    platform::Block fresh;
+    // An empty block has an address, too, so that null always means failure.
+    if (!fresh.ResetUnset(size == 0 ? 1 : size) || !fresh.Resize(size)) {
+      return false;
+    }
+    rows = std::move(fresh);
+    row_block_size = static_cast<std::int32_t>(size);
+    lent = false;
+    ++revision;
+    return true;
   }
   // Start of a row's record of record_size bytes; null when it does not lie
   // wholly inside the row block.

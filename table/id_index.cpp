@@ -308,6 +308,16 @@ void IdIndex::Reserve(std::size_t count) {
   }
 }
 
+void IdIndex::Reserve(std::size_t count, std::int32_t first,
+                      std::int32_t last) {
+  Reserve(count);
+  Span span(first);
+  span.Add(last);
+  if (storage_->dense && span.IsDense(count, kKeepArray)) {
+    storage_->array = IdArray(span.first, span.last);
+  }
+}
+
 std::int32_t IdIndex::LargestId() const {
   return storage_->dense ? storage_->array.LargestId()
                          : storage_->LargestInHash();

@@ -43,6 +43,9 @@ class IdIndex {
   void Erase(std::int32_t id) noexcept;
   // Expects count entries in all.
   void Reserve(std::size_t count);
+  // Expects count entries in all, with IDs from first to last; the index must
+  // be empty.
+  void Reserve(std::size_t count, std::int32_t first, std::int32_t last);
 
   // Largest ID; the index must not be empty.  Amortised logarithmic.
   std::int32_t LargestId() const;

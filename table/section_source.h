@@ -43,6 +43,8 @@ class MemorySource : public SectionSource {
     return taken;
   }
   std::span<std::byte const> Remaining() const { return bytes_; }
+  // There must be so many.
+  void Skip(std::size_t size) { bytes_ = bytes_.subspan(size); }
 
  private:
   std::span<std::byte const> bytes_;

@@ -1,4 +1,6 @@
 // Making a table, binding it to its rows, and the state of its parts.
+#include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <utility>
 
@@ -90,12 +92,8 @@ void* DBTabelle::SetMemory(std::size_t size, std::size_t fileIndex) {
       static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
   if (fileIndex >= sub_tables_.size() || size > kLargest) return nullptr;
   tabwerk::TablePart& part = *sub_tables_[fileIndex].part;
-  tabwerk::platform::Block fresh;
-  // An empty block has an address, too, so that null always means failure.
-  if (!fresh.Reset(size == 0 ? 1 : size) || !fresh.Resize(size)) return nullptr;
-  part.rows = std::move(fresh);
-  part.row_block_size = static_cast<std::int32_t>(size);
+  if (!part.ReplaceRows(size)) return nullptr;
+  std::fill(part.rows.data(), part.rows.data() + size, std::byte{0});
   part.lent = true;
-  ++part.revision;
   return part.rows.data();
 }

@@ -161,11 +161,12 @@ bool DBTabelle::ReadTabelle(std::size_t fileIndex, DBDirectory* dir) {
     ++part.revision;
     return false;
   }
-  if (SetMemory(static_cast<std::size_t>(size), fileIndex) == nullptr ||
-      stream == nullptr) {
+  auto const bytes = static_cast<std::size_t>(size);
+  if (stream == nullptr) {
+    static_cast<void>(SetMemory(bytes, fileIndex));
     return false;
   }
-  part.lent = false;
+  if (!part.ReplaceRows(bytes)) return false;
   if (!ReadBlock(stream, offset, &part.rows)) {
     std::memset(part.rows.data(), 0, part.rows.size());
     return false;
@@ -187,7 +188,7 @@ bool DBTabelle::ReadStrings(std::size_t fileIndex, DBDirectory* dir) {
   std::int64_t const offset = part.string_block_offset;
   if (!LiesInFile(stream, offset, bytes)) return false;
   platform::Block units;
-  if (!units.Reset(static_cast<std::size_t>(bytes)) ||
+  if (!units.ResetUnset(static_cast<std::size_t>(bytes)) ||
       !ReadBlock(stream, offset, &units)) {
     return false;
   }
@@ -233,7 +234,8 @@ bool tabwerk::TableAccess::WriteTexts(DBTabelle& table, std::size_t part,
   TablePart const& source = *table.sub_tables_[part].part;
   DBDefinition const& definition = *table.definition_;
   std::int64_t const bytes = BytesOfRows(source, definition);
-  if (bytes < 0 || !rows->Reset(static_cast<std::size_t>(bytes))) return false;
+  if (bytes < 0 || !rows->ResetUnset(static_cast<std::size_t>(bytes)))
+    return false;
   if (bytes == 0) return true;
   std::memcpy(rows->data(), source.rows.data(), rows->size());
   auto const record_size = static_cast<std::size_t>(definition.GetMemorySize());

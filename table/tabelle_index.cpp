@@ -1,6 +1,8 @@
 // Building the row indices and looking rows up in them.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -44,8 +46,17 @@ std::vector<std::int32_t> MakeEntries(std::int64_t count, std::int32_t value) {
 
 tabwerk::IdIndex tabwerk::IndexRows(DBTabelle& table, Column id_column) {
   IdIndex index;
-  index.Reserve(static_cast<std::size_t>(CountRows(table)));
+  auto const count = static_cast<std::size_t>(CountRows(table));
   std::int32_t id = 0;
+  std::int32_t first = std::numeric_limits<std::int32_t>::max();
+  std::int32_t last = std::numeric_limits<std::int32_t>::min();
+  for (RowWalk walk(table); walk.Next();) {
+    (void)walk.Read(id_column, &id);
+    first = std::min(first, id);
+    last = std::max(last, id);
+  }
+  if (count > 0) index.Reserve(count, first, last);
+  id = 0;
   for (RowWalk walk(table); walk.Next();) {
     (void)walk.Read(id_column, &id);  // else the ID before is meant
     index.Set(id, static_cast<std::int32_t>(walk.row()));

@@ -11,11 +11,15 @@
 #include "platform/guarded.h"
 #include "platform/platform.h"
 #include "schema/bytes.h"
+#include "schema/layout.h"
+#include "schema/names.h"
 #include "table/id_index.h"
+#include "table/row_walk.h"
 #include "table/section_source.h"
 #include "table/table_access.h"
 
 using tabwerk::Guarded;
+using tabwerk::IdIndex;
 using tabwerk::RowUpdate;
 using tabwerk::SectionSource;
 using tabwerk::StreamSource;
@@ -95,6 +99,70 @@ bool ReadEntries(SectionSource& source, Values* index, std::int32_t initial,
   });
 }
 
+// Makes room for entries of an ID and a row each.
+void ReserveIds(Values const& entries, IdIndex* ids) {
+  if (entries.size() < 2) return;
+  auto first = entries[0];
+  auto last = entries[0];
+  for (std::size_t i = 0; i + 1 < entries.size(); i += 2) {
+    first = std::min(first, entries[i]);
+    last = std::max(last, entries[i]);
+  }
+  ids->Reserve(entries.size() / 2, first, last);
+}
+
+// As SelectZeile.
+bool SelectRow(DBTabelle& table, std::int64_t row) {
+  return TableAccess::SelectInFirstPart(table, row) ||
+         table.SelectZeile(static_cast<long>(row)) == 1;
+}
+
+// Sets values in the selected rows, in the column that is selected when it is
+// made, without the upkeep of an index.
+class ValueWriter {
+ public:
+  explicit ValueWriter(DBTabelle& table)
+      : table_(table),
+        column_(
+            tabwerk::ColumnOf(table, TableAccess::Field(table), DBTypeInteger)),
+        record_size_(RecordSizeOf(table)) {
+    bool const followed = *TableAccess::FollowingIndex(table) != '\0';
+    auto const* const selected = TableAccess::Current(table);
+    usable_ = followed && column_.offset >= 0 && selected != nullptr &&
+              selected->field == TableAccess::Field(table) &&
+              IsFieldOfIndex(table) && TableAccess::Lookups(table) == nullptr;
+  }
+
+  // False, and nothing is set, where that takes SetWert.
+  bool Write(std::int32_t value) {
+    if (!usable_) return false;
+    auto* const selected = TableAccess::Current(table_);
+    auto* const record = selected->part->Row(selected->row, record_size_);
+    if (record == nullptr) return false;
+    tabwerk::StoreValue(record + column_.offset, value);
+    ++selected->part->revision;
+    return true;
+  }
+
+ private:
+  static std::int32_t RecordSizeOf(DBTabelle& table) {
+    auto const* const definition = TableAccess::Definition(table);
+    return definition == nullptr
+               ? 0
+               : tabwerk::DefinitionAccess::RecordSize(*definition);
+  }
+  // The column that is missing keeps another one selected.
+  static bool IsFieldOfIndex(DBTabelle& table) {
+    return tabwerk::SameName(TableAccess::Field(table)->name,
+                             TableAccess::FollowingIndex(table));
+  }
+
+  DBTabelle& table_;
+  tabwerk::Column column_;
+  std::int32_t record_size_;
+  bool usable_ = false;
+};
+
 }  // namespace
 
 void DBTabelle::WriteIndexID(FILE* f) {
@@ -153,7 +221,7 @@ bool TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
   bool const complete = Guarded(false, [&] {
     auto const count = static_cast<std::size_t>(ReadCount(source));
     Values const values = ReadValues(source, 2 * count);
-    ids.Reserve(values.size() / 2);
+    ReserveIds(values, &ids);
     for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
       ids.Set(values[i], values[i + 1]);
     }
@@ -174,10 +242,13 @@ bool TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
     std::copy(rows.begin(), rows.end(), index.begin());
     return read;
   }
+  ValueWriter writer(table);
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (table.SelectZeile(static_cast<long>(rows[i])) == 0) continue;
+    if (!SelectRow(table, rows[i])) continue;
     auto const folge = static_cast<std::int32_t>(i);
-    if (found) {
+    if (writer.Write(folge)) {
+      if (i >= 1 && i < index.size()) index[i] = rows[i];
+    } else if (found) {
       table.SetWert(static_cast<long>(folge));
     } else {
       // Without the column only the index gets the value.
@@ -196,11 +267,14 @@ bool TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
   bool const found = table.SelectColumn("STATUS") == 1;
   bool const index_only = update == RowUpdate::kIndexOnly;
   if (index_only) std::copy(values.begin(), values.end(), index.begin());
+  ValueWriter writer(table);
   for (std::size_t i = 0; i < values.size(); ++i) {
     // Kept: values beyond the last row fall on it, the last one winning.
-    table.SelectZeile(static_cast<long>(i));
+    bool const is_row = SelectRow(table, static_cast<std::int64_t>(i));
     if (index_only) continue;
-    if (found) {
+    if (is_row && writer.Write(values[i])) {
+      if (i < index.size()) index[i] = values[i];
+    } else if (found) {
       table.SetWert(static_cast<long>(values[i]));
     } else {
       (void)FollowValue(table, 0, values[i]);
