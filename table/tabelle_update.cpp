@@ -22,12 +22,6 @@ using Values = std::map<std::string, std::wstring>;
 
 constexpr long kStatusWithoutPlace = 2;
 
-// As mapGetString; throws std::bad_alloc.
-std::wstring ValueOf(Values const& values, std::string const& key) {
-  auto const found = values.find(key);
-  return found == values.end() ? std::wstring() : found->second;
-}
-
 // The row that is being written.
 //
 // The steps go through the table's own selection, one column after the other:
@@ -42,7 +36,9 @@ class RowWriter {
 
  private:
   zWString Text(char const* key) {
-    return zWString(ValueOf(values_, key).c_str());
+    auto const found = values_.find(key);
+    return found == values_.end() ? zWString()
+                                  : zWString(found->second.c_str());
   }
   long Number(char const* key) {
     return tabwerk::platform::ParseInt32(Text(key).view());
@@ -174,5 +170,8 @@ bool DBTabelle::SetZeileWerte(std::map<std::string, std::wstring>& values,
 
 std::wstring DBTabelle::mapGetString(
     std::map<std::string, std::wstring>& values, std::string key) {
-  return Guarded(std::wstring(), [&] { return ValueOf(values, key); });
+  return Guarded(std::wstring(), [&] {
+    auto const found = values.find(key);
+    return found == values.end() ? std::wstring() : found->second;
+  });
 }
