@@ -111,7 +111,7 @@ run_tidy() {
     echo "clang-tidy: no findings"
 }
 
-scripts/install-packages.sh build test || exit 1
+scripts/install-packages.sh build test bench || exit 1
 make_locale || exit 1
 
 summary=()

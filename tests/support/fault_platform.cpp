@@ -31,6 +31,8 @@ struct State {
   CallSet first_failed = 0;
   Plan plan;
   std::array<std::int64_t, kCallKinds> counts = {};
+  std::int64_t bytes_read = 0;
+  std::int64_t bytes_written = 0;
   std::vector<std::string> trace;
   std::set<FILE*> failed_streams;
   platform::Error last_open_error = platform::Error::kNone;
@@ -108,6 +110,28 @@ std::size_t PortionOf(std::size_t size) {
   return size / 2;
 }
 
+std::size_t CountRead(std::size_t bytes) {
+  TheState().bytes_read += static_cast<std::int64_t>(bytes);
+  return bytes;
+}
+
+std::size_t CountWritten(std::size_t bytes) {
+  TheState().bytes_written += static_cast<std::int64_t>(bytes);
+  return bytes;
+}
+
+// The bytes of a file that is about to be copied.
+void CountCopy(zWString const& from) {
+  auto error = platform::Error::kNone;
+  auto* const stream = platform::os::OpenFile(
+      from, platform::Mode::kRead, platform::Share::kDenyNone, &error);
+  if (stream == nullptr) return;
+  auto const size = static_cast<std::size_t>(platform::os::FileSize(stream));
+  CountRead(size);
+  CountWritten(size);
+  platform::os::Close(stream);
+}
+
 void MarkFailed(FILE* stream) { TheState().failed_streams.insert(stream); }
 
 void* Taken(void* block) {
@@ -127,6 +151,8 @@ FaultGuard::FaultGuard() {
   state.first_failed = 0;
   state.plan = Plan();
   state.counts = {};
+  state.bytes_read = 0;
+  state.bytes_written = 0;
   state.trace.clear();
 }
 
@@ -181,6 +207,12 @@ std::int64_t FaultGuard::Count(CallSet calls) const {
   return sum;
 }
 
+std::int64_t FaultGuard::BytesRead() const { return TheState().bytes_read; }
+
+std::int64_t FaultGuard::BytesWritten() const {
+  return TheState().bytes_written;
+}
+
 std::vector<std::string> const& FaultGuard::Trace() const {
   return TheState().trace;
 }
@@ -229,7 +261,7 @@ std::size_t Read(FILE* stream, void* bytes, std::size_t size) {
     MarkFailed(stream);
     return os::Read(stream, bytes, test::PortionOf(size));
   }
-  return os::Read(stream, bytes, size);
+  return test::CountRead(os::Read(stream, bytes, size));
 }
 
 std::size_t Write(FILE* stream, void const* bytes, std::size_t size) {
@@ -240,7 +272,7 @@ std::size_t Write(FILE* stream, void const* bytes, std::size_t size) {
   auto const offset = test::IsTraced() ? os::Tell(stream) : 0;
   auto const taken = os::Write(stream, bytes, size);
   test::TraceWritten(stream, offset, bytes, taken);
-  return taken;
+  return test::CountWritten(taken);
 }
 
 bool WriteText(FILE* stream, std::u16string_view text) {
@@ -307,6 +339,7 @@ bool SameFile(zWString const& one, zWString const& other) {
 Error Copy(zWString const& from, zWString const& to) {
   test::Note("Copy", test::NameOf(from) + " > " + test::NameOf(to));
   if (MustFail(Call::kCopy)) return TheState().plan.error;
+  if (TheState().guarded) test::CountCopy(from);
   Error const result = os::Copy(from, to);
   if (result == Error::kNone) test::TraceCopied(to);
   return result;

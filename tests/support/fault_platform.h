@@ -105,6 +105,10 @@ class FaultGuard {
   CallSet FirstFailed() const;
   // Calls since the guard began.
   std::int64_t Count(CallSet calls) const;
+  // Bytes that were asked for and given, and those taken, by all streams since
+  // the guard began; a copy of a file counts as both.
+  std::int64_t BytesRead() const;
+  std::int64_t BytesWritten() const;
   // The calls that name a path, in order: "Delete MAIN.UDBT" (without folder;
   // "Replace A.UDBT > A.UDB").
   std::vector<std::string> const& Trace() const;
