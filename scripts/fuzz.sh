@@ -7,9 +7,10 @@
 #   scripts/fuzz.sh --merge [TARGET...]   adds to fuzz/corpus what earlier runs
 #                                         found new and worth keeping
 #
-# New inputs go into build/fuzz/run/NAME/corpus, finds into
-# build/fuzz/run/finds.  The exit code is 0 only when nothing was found; a find
-# is checked in under fuzz/corpus/NAME together with what mends it.
+# New inputs go into build/fuzz/run/NAME/corpus, which the next run goes on with
+# (a run of less than a minute begins anew), finds into build/fuzz/run/finds.
+# The exit code is 0 only when nothing was found; a find is checked in under
+# fuzz/corpus/NAME together with what mends it.
 # TABWERK_BUILD_ROOT names another folder than build/.
 set -uo pipefail
 cd "$(dirname "$0")/.." || exit 1
@@ -87,8 +88,12 @@ corpora_of() {
 }
 
 fuzz() {
-  local name=$1 folder=$run/$1 options corpora
-  mkdir -p "$folder/corpus"
+  local name=$1 folder=$run/$1 new=corpus options corpora
+  if [ "$mode" -lt 60 ]; then
+    new=short
+    rm -rf "$folder/short"
+  fi
+  mkdir -p "$folder/$new"
   mapfile -t corpora < <(corpora_of "$name")
   options=(-max_total_time="$mode" -max_len=4096 -timeout=25 -entropic=0
     -artifact_prefix="$run/finds/$name-" -print_final_stats=1)
@@ -96,7 +101,7 @@ fuzz() {
   # The tool's own output would hide the fuzzer's.
   [ "$name" != tool ] || options+=(-close_fd_mask=3)
   rm -f "$run/finds/$name-"*
-  "$root/fuzz/bin/${name}_fuzz" "${options[@]}" "$folder/corpus" \
+  "$root/fuzz/bin/${name}_fuzz" "${options[@]}" "$folder/$new" \
     "${corpora[@]}" >"$folder/log" 2>&1
   echo $? >"$folder/exit_code"
 }
