@@ -1,15 +1,18 @@
-// tabwerk show: the rows of a table, in one language.
+// tabwerk show: the rows of a table.
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "DBbase.h"
 #include "cli/commands.h"
+#include "cli/database_file.h"
 #include "cli/progress.h"
+#include "cli/row_query.h"
 #include "cli/session.h"
 #include "cli/table_out.h"
 #include "cli/table_rows.h"
+#include "cli/translated_text.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -18,13 +21,12 @@ class ShowCommand : public Command {
  public:
   void Declare(CLI::App& app) override {
     AddDatabaseOptions(app, &files_);
-    app.add_option("-t,--table", table_, "The table")
-        ->required()
-        ->type_name("TABLE");
-    app.add_option("--language", language_,
-                   "Number of the language of the texts; 0 is the first")
-        ->check(CLI::Range(0, int{std::numeric_limits<short>::max()}))
-        ->type_name("N");
+    app.add_option("TABLE", last_word_, "The table, unless -t names it");
+    app.add_option("-t,--table", table_, "The table")->type_name("TABLE");
+    AddRowQueryOptions(app, &query_);
+    AddLanguageOption(app, &language_,
+                      "Number of the language of the texts, 0 is the first; "
+                      "all: a column for each; raw: as they are stored");
     AddOutputOptions(app, &output_);
     app.footer(
         "A terminal gets a table, a pipe complete lines of values separated\n"
@@ -34,36 +36,85 @@ class ShowCommand : public Command {
   }
 
   ExitCode Run() override {
+    if (auto const problem = SortWords()) return Report(*problem);
     if (auto const problem = OpenToLook(files_)) return Report(*problem);
     DBTabelle* table = nullptr;
     if (auto const problem = FindTable(files_, table_, &table)) {
       return Report(*problem);
     }
-    DBbase::SetSprache(static_cast<short>(language_));
+    RowChoice choice(*table, language_);
+    if (auto problem = choice.Apply(query_)) {
+      problem->where = files_.main;
+      return Report(*problem);
+    }
     TableRows rows(*table);
-    TableOut out(output_);
-    if (auto const problem = out.Begin(rows.Heads())) return Report(*problem);
-    PrintRows(rows, out);
-    if (auto const problem = out.End(rows.RowCount())) return Report(*problem);
-    return ExitCode::kDone;
+    if (language_.IsAll()) {
+      rows.SplitLanguages();
+    } else {
+      DBbase::SetSprache(language_.Number());
+    }
+    if (auto const problem = PrintRows(rows, choice.rows())) {
+      return Report(*problem);
+    }
+    return ReportMissing(choice.missing());
   }
 
  private:
-  void PrintRows(TableRows& rows, TableOut& out) const {
+  // The table is the last word on the line, or named by -t: a second word is
+  // the table or the user file.
+  std::optional<Problem> SortWords() {
+    if (table_.empty()) {
+      if (last_word_.empty() && !IsUserFile(files_.user)) {
+        last_word_ = std::exchange(files_.user, "");
+      }
+      table_ = std::exchange(last_word_, "");
+    }
+    if (table_.empty() || !last_word_.empty()) {
+      return Problem{TW(101), "",
+                     table_.empty() ? "no table is named"
+                                    : "two tables are named: " + table_ +
+                                          " and " + last_word_,
+                     "write \"tabwerk show " + files_.main +
+                         " TABLE\"; \"tabwerk info\" lists the tables"};
+    }
+    if (query_.part == "user" && files_.user.empty()) {
+      return Problem{TW(105), "", "--part user needs a USERFILE",
+                     "name the user file behind FILE"};
+    }
+    return std::nullopt;
+  }
+
+  std::optional<Problem> PrintRows(TableRows& rows,
+                                   std::vector<long> const& chosen) const {
+    TableOut out(output_);
+    if (auto problem = out.Begin(rows.Heads())) return problem;
+    auto const count = static_cast<long long>(chosen.size());
     // A terminal that takes the rows needs no other sign of life.
     std::optional<Progress> progress;
-    if (!out.IsTerminal()) {
-      progress.emplace("writing " + table_, rows.RowCount(), "row");
-    }
-    for (long row = 0; row < rows.RowCount() && out.WantsMore(); ++row) {
+    if (!out.IsTerminal()) progress.emplace("writing " + table_, count, "row");
+    long long done = 0;
+    for (long const row : chosen) {
+      if (!out.WantsMore()) break;
       out.Add(rows.Row(row, out));
-      if (progress) progress->Advance(row + 1);
+      if (progress) progress->Advance(++done);
     }
+    return out.End(count);
+  }
+
+  ExitCode ReportMissing(std::vector<std::string> const& missing) const {
+    ExitCode code = ExitCode::kDone;
+    for (std::string const& what : missing) {
+      code = Report(
+          {TW(132), files_.main, "no row of " + table_ + " has " + what, ""});
+    }
+    return code;
   }
 
   DatabaseFiles files_;
+  std::string last_word_;
   std::string table_;
-  int language_ = 0;
+  RowQuery query_;
+  LanguageChoice language_{"0"};
   OutputOptions output_;
 };
 
@@ -74,11 +125,12 @@ CommandEntry const kShowCommand = {
     "show",
     Group::kLook,
     "Print the rows of a table",
-    {{"show geo.db -t CURRENCY", "all rows"},
-     {"show geo.db -t CURRENCY --language 1 --columns CODE,NAME --limit 5",
-      "the first five in the second language"},
-     {"show geo.db GEO.UDB -t CURRENCY --format csv -o currency.csv",
-      "into a file"}},
+    {{"show geo.db CURRENCY", "all rows"},
+     {"show geo.db CURRENCY --where CODE=EUR --language all --format list",
+      "a row in all languages"},
+     {"show geo.db GEO.UDB CURRENCY --active --order folge --format csv -o "
+      "currency.csv",
+      "rows in use, in display order, into a file"}},
     &MakeCommand<ShowCommand>};
 
 }  // namespace tabwerk::tool

@@ -138,6 +138,21 @@ constexpr CodeEntry kCodes[] = {
     {131, "no-backup", "The backup could not be made", ExitCode::kFile,
      "A copy beside the file could not be written; nothing was changed.",
      "df ."},
+    {132, "no-such-row", "There is no such row", ExitCode::kFindings,
+     "No row of the table has the ID or the number that is asked for. The "
+     "other rows are shown.",
+     "tabwerk show stock.db ARTICLE --columns ID,NAME"},
+    {133, "unsuitable-condition", "The condition does not suit the table",
+     ExitCode::kUsage,
+     "A condition names a column, then \"=\" and a value: a number for a "
+     "column of numbers. Patterns are for columns of texts.",
+     "tabwerk show stock.db ARTICLE --where PRICE=0.25\n"
+     "tabwerk show stock.db ARTICLE --match \"NAME=B.*\""},
+    {134, "bad-pattern", "The pattern cannot be used", ExitCode::kUsage,
+     "Patterns are regular expressions in the grammar of ECMAScript. One "
+     "that is malformed, or that would take too long, finds nothing.",
+     "tabwerk find \"B(olt|olzen)\" stock.db\n"
+     "tabwerk find --literal \"1.5 (new)\" stock.db"},
 };
 
 }  // namespace

@@ -1,9 +1,13 @@
 #include "cli/table_rows.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #include "DBDirectory.h"
+#include "DBbase.h"
 #include "cli/files.h"
+#include "cli/translated_text.h"
 #include "ztypes.h"
 
 namespace tabwerk::tool {
@@ -21,28 +25,49 @@ TableRows::TableRows(DBTabelle& table)
   DBDefinition const& definition = *table.GetDirEntry(false)->GetDefinition();
   for (DBFeld const* field = definition.GetDefinition(); field != nullptr;
        field = field->next) {
-    fields_.push_back(field);
+    columns_.push_back({field, std::nullopt});
   }
+}
+
+void TableRows::SplitLanguages() {
+  std::vector<Column> split;
+  for (Column const& column : columns_) {
+    int const count = LanguageCount(table_, column.field->name);
+    for (int i = 0; i < std::max(count, 1); ++i) {
+      split.push_back({column.field, static_cast<short>(i)});
+    }
+  }
+  columns_ = std::move(split);
 }
 
 std::vector<ColumnHead> TableRows::Heads() const {
   std::vector<ColumnHead> heads;
-  for (DBFeld const* field : fields_) {
-    heads.push_back({NameToUtf8(field->name), TypeOf(*field)});
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    Column const& column = columns_[i];
+    auto const is_same = [&](std::size_t other) {
+      return other < columns_.size() && columns_[other].field == column.field;
+    };
+    std::string name = NameToUtf8(column.field->name);
+    if (is_same(i + 1) || (i > 0 && is_same(i - 1))) {
+      name += "." + std::to_string(*column.language);
+    }
+    heads.push_back({name, TypeOf(*column.field)});
   }
   return heads;
 }
 
 std::vector<Cell> TableRows::Row(long row, TableOut const& out) {
   table_.SelectZeile(row);
-  std::vector<Cell> cells(fields_.size());
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    if (out.Wants(i)) cells[i] = Value(*fields_[i]);
+  std::vector<Cell> cells(columns_.size());
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    if (out.Wants(i)) cells[i] = Value(columns_[i]);
   }
   return cells;
 }
 
-Cell TableRows::Value(DBFeld const& field) {
+Cell TableRows::Value(Column const& column) {
+  DBFeld const& field = *column.field;
+  if (column.language) DBbase::SetSprache(*column.language);
   if (table_.SelectColumn(field.name) == 0) return {};
   switch (field.type) {
     case DBTypeInteger: {

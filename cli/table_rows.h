@@ -3,6 +3,7 @@
 #define TABWERK_CLI_TABLE_ROWS_H
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "DBTabelle.h"
@@ -16,17 +17,26 @@ class TableRows {
  public:
   explicit TableRows(DBTabelle& table);
 
+  // Gives every column whose texts have several languages one column for each:
+  // NAME.0, NAME.1 …
+  void SplitLanguages();
+
   long RowCount() const { return row_count_; }
   std::vector<ColumnHead> Heads() const;
   // The values of a row; those that out does not want are missing.
   std::vector<Cell> Row(long row, TableOut const& out);
 
  private:
-  Cell Value(DBFeld const& field);
+  struct Column {
+    DBFeld const* field;
+    std::optional<short> language;  // without: the manager's
+  };
+
+  Cell Value(Column const& column);
 
   DBTabelle& table_;
   long row_count_;
-  std::vector<DBFeld const*> fields_;
+  std::vector<Column> columns_;
 };
 
 }  // namespace tabwerk::tool

@@ -41,9 +41,9 @@ TEST_F(ToolUsage, SuggestsTheCommandThatWasMeant) {
 }
 
 TEST_F(ToolUsage, PointsToTheHelpOfTheCommand) {
-  auto const run = Run({"show", "a.db"});
+  auto const run = Run({"dump", "a.db"});
   EXPECT_EQ(
-      "tabwerk: error[TW101]: --table is required; see \"tabwerk show "
+      "tabwerk: error[TW101]: --table is required; see \"tabwerk dump "
       "--help\"\n",
       run.err);
   EXPECT_EQ(2, run.exit_code);

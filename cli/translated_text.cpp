@@ -1,0 +1,73 @@
+#include "cli/translated_text.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+
+#include "DBbase.h"
+#include "ztypes.h"
+
+namespace tabwerk::tool {
+namespace {
+
+constexpr std::u16string_view kOpening = u"#TS(";
+constexpr std::u16string_view kClosing = u")TS~";
+constexpr char16_t kSeparator = u'\u00AC';
+
+// The number; -1 for what is none.
+short ParseNumber(std::string const& text) {
+  short number = -1;
+  char const* const end = text.data() + text.size();
+  auto const [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end && number >= 0 ? number
+                                                            : short{-1};
+}
+
+std::string WrongChoice(std::string const& text) {
+  if (text == "all" || text == "raw" || ParseNumber(text) >= 0) return "";
+  return text + " is neither a number from 0 to 32767 nor all or raw";
+}
+
+}  // namespace
+
+int LanguageCount(std::u16string_view stored) {
+  std::ptrdiff_t count = 0;
+  std::size_t opening = stored.find(kOpening);
+  while (opening != stored.npos) {
+    std::size_t const begin = opening + kOpening.size();
+    std::size_t const end = stored.find(kClosing, begin);
+    if (end == stored.npos) break;
+    auto const content = stored.substr(begin, end - begin);
+    count = std::max(
+        count, 1 + std::count(content.begin(), content.end(), kSeparator));
+    opening = stored.find(kOpening, end + kClosing.size());
+  }
+  return static_cast<int>(count);
+}
+
+int LanguageCount(DBTabelle& table, char const* column) {
+  DBbase::SetSprache(kAsStored);
+  if (table.SelectColumn(column) == 0) return 0;
+  if (table.GetType() != DBTypeString) return 0;
+  int count = 0;
+  zWString text;
+  for (long row = 0; row < table.GetAnzahlZeilen(); ++row) {
+    table.SelectZeile(row);
+    if (table.GetWert(text) != 1) continue;
+    count = std::max(count, LanguageCount(text.view()));
+  }
+  return count;
+}
+
+short LanguageChoice::Number() const {
+  return text == "raw" ? kAsStored : ParseNumber(text);
+}
+
+void AddLanguageOption(CLI::App& app, LanguageChoice* choice,
+                       std::string const& help) {
+  app.add_option("--language", choice->text, help)
+      ->check(CLI::Validator(&WrongChoice, ""))
+      ->type_name("LANGUAGE");
+}
+
+}  // namespace tabwerk::tool
