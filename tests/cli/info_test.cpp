@@ -30,7 +30,9 @@ TEST_F(ToolInfo, ListsHeaderAndTables) {
           "  tables   2 tables, 2 rows\n"
           "    ARTICLE  2 rows  ID integer, FOLGE integer, STATUS integer, "
           "NAME string, PRICE real\n"
-          "    EMPTY    0 rows  ID integer, NAME string\n",
+          "    EMPTY    0 rows  ID integer, NAME string\n"
+          "  texts    in 3 languages\n"
+          "  verdict  sound\n",
       run.out);
   EXPECT_EQ("", run.err);
   EXPECT_EQ(0, run.exit_code);
