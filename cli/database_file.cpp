@@ -8,30 +8,16 @@
 
 #include "DBDirectory.h"
 #include "cli/files.h"
+#include "cli/table_list.h"
 #include "schema/container.h"
 #include "schema/format.h"
 
 namespace tabwerk::tool {
 namespace {
 
-char const* TypeName(DBType type) {
-  switch (type) {
-    case DBTypeReal:
-      return "real";
-    case DBTypeInteger:
-      return "integer";
-    case DBTypeString:
-      return "string";
-    case DBTypeUnknown:
-      break;
-  }
-  return "unknown";
-}
-
 std::string ColumnsOf(DBDefinition const& definition) {
   std::string columns;
-  for (DBFeld const* field = definition.GetDefinition(); field != nullptr;
-       field = field->next) {
+  for (DBFeld const* field : FieldsOf(definition)) {
     if (!columns.empty()) columns += ", ";
     columns += NameToUtf8(field->name) + " " + TypeName(field->type);
   }

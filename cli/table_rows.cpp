@@ -7,6 +7,7 @@
 #include "DBDirectory.h"
 #include "DBbase.h"
 #include "cli/files.h"
+#include "cli/table_list.h"
 #include "cli/translated_text.h"
 #include "ztypes.h"
 
@@ -22,9 +23,8 @@ CellType TypeOf(DBFeld const& field) {
 
 TableRows::TableRows(DBTabelle& table)
     : table_(table), row_count_(table.GetAnzahlZeilen()) {
-  DBDefinition const& definition = *table.GetDirEntry(false)->GetDefinition();
-  for (DBFeld const* field = definition.GetDefinition(); field != nullptr;
-       field = field->next) {
+  for (DBFeld const* field :
+       FieldsOf(*table.GetDirEntry(false)->GetDefinition())) {
     columns_.push_back({field, std::nullopt});
   }
 }
