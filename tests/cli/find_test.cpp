@@ -90,6 +90,25 @@ TEST_F(ToolFind, GoesOnBehindADamagedTable) {
   EXPECT_EQ(4, run.exit_code);
 }
 
+// Rows of every table are found where they stand, however many there are.
+TEST_F(ToolFind, FindsRowsOfALargeTable) {
+  PlainTable table = {"T", "integer ID,string NAME\n", {}};
+  for (int i = 0; i < 20000; ++i) {
+    std::string const number = std::to_string(i);
+    table.rows.push_back(number + "|#TS(row " + number + "¬Zeile " + number +
+                         ")TS~");
+  }
+  MakeDatabase("a.db", {PlainHeader::kCurrent, 1000, {table}});
+  EXPECT_EQ(
+      "main T 1999 1999 NAME 1 Zeile 1999|main T 11999 11999 NAME 1 Zeile "
+      "11999|",
+      Found({"Zeile 1?1999$", "a.db"}));
+  auto const all = nlohmann::json::parse(
+      Run({"find", "", "a.db", "--columns", "ROW", "--format", "json"}).out);
+  EXPECT_EQ(40000U, all.size());
+  EXPECT_EQ(19999, all.back()["ROW"]);
+}
+
 // Every text that the table shows in a language is found in that language.
 TEST_F(ToolFind, FindsWhatTheTableShows) {
   MakeExample();

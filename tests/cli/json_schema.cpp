@@ -1,0 +1,98 @@
+#include "tests/cli/json_schema.h"
+
+#include <algorithm>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "tests/support/places.h"
+
+namespace tabwerk::test {
+namespace {
+
+using nlohmann::json;
+
+bool IsOfType(json const& value, std::string const& type) {
+  if (type == "integer") return value.is_number_integer();
+  return type == (value.is_number() ? "number" : value.type_name());
+}
+
+class Validator {
+ public:
+  std::string const& Faults() const { return faults_; }
+
+  void Check(json const& value, json const& schema, std::string const& path) {
+    static std::set<std::string> const known = {
+        "$schema", "title", "description", "type",     "enum",
+        "minimum", "items", "properties",  "required", "additionalProperties"};
+    for (auto const& [word, unused] : schema.items()) {
+      if (!known.contains(word)) Fault(path, "unknown word " + word);
+    }
+    CheckValue(value, schema, path);
+    if (value.is_array() && schema.contains("items")) {
+      for (std::size_t i = 0; i < value.size(); ++i) {
+        Check(value[i], schema["items"], path + "/" + std::to_string(i));
+      }
+    }
+    if (value.is_object()) CheckObject(value, schema, path);
+  }
+
+ private:
+  void Fault(std::string const& path, std::string const& what) {
+    faults_ += path + ": " + what + "\n";
+  }
+
+  void CheckValue(json const& value, json const& schema,
+                  std::string const& path) {
+    if (schema.contains("type")) {
+      json types = schema["type"];
+      if (!types.is_array()) types = json::array({types});
+      if (std::none_of(types.begin(), types.end(), [&](json const& type) {
+            return IsOfType(value, type);
+          })) {
+        Fault(path, "is " + value.dump());
+      }
+    }
+    if (schema.contains("enum") &&
+        std::find(schema["enum"].begin(), schema["enum"].end(), value) ==
+            schema["enum"].end()) {
+      Fault(path, "is " + value.dump());
+    }
+    if (schema.contains("minimum") && value.is_number() &&
+        value < schema["minimum"]) {
+      Fault(path, "is " + value.dump());
+    }
+  }
+
+  void CheckObject(json const& value, json const& schema,
+                   std::string const& path) {
+    json const properties = schema.value("properties", json::object());
+    for (auto const& [key, member] : value.items()) {
+      if (properties.contains(key)) {
+        Check(member, properties[key], path + "/" + key);
+      } else if (!schema.value("additionalProperties", true)) {
+        Fault(path, "has " + key);
+      }
+    }
+    for (json const& key : schema.value("required", json::array())) {
+      if (!value.contains(key)) Fault(path, "lacks " + key.dump());
+    }
+  }
+
+  std::string faults_;
+};
+
+}  // namespace
+
+std::string AgainstSchema(std::string const& name, std::string const& text) {
+  std::ifstream file(ProjectPath("docs/schema/" + name + ".json"));
+  json const schema = json::parse(file, nullptr, false);
+  json const value = json::parse(text, nullptr, false);
+  if (schema.is_discarded()) return "no schema " + name;
+  if (value.is_discarded()) return "no JSON: " + text;
+  Validator validator;
+  validator.Check(value, schema, "");
+  return validator.Faults();
+}
+
+}  // namespace tabwerk::test
