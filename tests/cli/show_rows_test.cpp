@@ -4,7 +4,7 @@
 namespace tabwerk::test {
 namespace {
 
-class ToolRows : public ToolTest {
+class ToolShowRows : public ToolTest {
  protected:
   // The IDs that are shown of ARTICLE in stock.db, which has five rows, and
   // STOCK.UDB, which has two more.
@@ -45,18 +45,18 @@ class ToolRows : public ToolTest {
   }
 };
 
-TEST_F(ToolRows, ById) {
+TEST_F(ToolShowRows, ById) {
   MakeShelf();
   EXPECT_EQ("3 ", Ids({"--id", "3"}));
   EXPECT_EQ("4 1 1 20001 ", Ids({"--id", "20001,1", "--id", "4"}));
 }
 
-TEST_F(ToolRows, ByNumber) {
+TEST_F(ToolShowRows, ByNumber) {
   MakeShelf();
   EXPECT_EQ("4 20000 ", Ids({"--row", "5,0"}));
 }
 
-TEST_F(ToolRows, SaysWhichAreNotThere) {
+TEST_F(ToolShowRows, SaysWhichAreNotThere) {
   MakeShelf();
   auto const run = RunToLook(
       {"show", "stock.db", "ARTICLE", "--id", "3,9", "--columns", "ID"});
@@ -68,7 +68,7 @@ TEST_F(ToolRows, SaysWhichAreNotThere) {
             Run({"show", "stock.db", "ARTICLE", "--row", "7", "-q"}).err);
 }
 
-TEST_F(ToolRows, ByValueOfEveryType) {
+TEST_F(ToolShowRows, ByValueOfEveryType) {
   MakeShelf();
   EXPECT_EQ("1 1 ", Ids({"--where", "ID=1"}));
   EXPECT_EQ("4 2 ", Ids({"--where", "PRICE=0.25"}));
@@ -80,7 +80,7 @@ TEST_F(ToolRows, ByValueOfEveryType) {
                        "--language", "1"}));
 }
 
-TEST_F(ToolRows, ByTextInTheLanguageThatIsShown) {
+TEST_F(ToolShowRows, ByTextInTheLanguageThatIsShown) {
   MakeShelf();
   EXPECT_EQ("4 3 ", Ids({"--where", "NAME=Bolt"}));
   EXPECT_EQ("3 ", Ids({"--where", "NAME=Bolt", "--language", "1"}));
@@ -91,7 +91,7 @@ TEST_F(ToolRows, ByTextInTheLanguageThatIsShown) {
             Ids({"--where", "NAME=#TS(Nut¬Mutter)TS~", "--language", "raw"}));
 }
 
-TEST_F(ToolRows, ByPattern) {
+TEST_F(ToolShowRows, ByPattern) {
   MakeShelf();
   EXPECT_EQ("4 3 ", Ids({"--match", "NAME=B.*"}));
   EXPECT_EQ("", Ids({"--match", "NAME=B"}));
@@ -100,14 +100,14 @@ TEST_F(ToolRows, ByPattern) {
             Ids({"--match", "NAME=N.*|M.*", "--language", "all"}));
 }
 
-TEST_F(ToolRows, ByStatusAndPart) {
+TEST_F(ToolShowRows, ByStatusAndPart) {
   MakeShelf();
   EXPECT_EQ("4 3 2 1 20000 ", Ids({"--active"}));
   EXPECT_EQ("20000 20001 ", Ids({"--part", "user"}));
   EXPECT_EQ("4 3 2 1 ", Ids({"--part", "main", "--active"}));
 }
 
-TEST_F(ToolRows, InEveryOrder) {
+TEST_F(ToolShowRows, InEveryOrder) {
   MakeShelf();
   EXPECT_EQ("4 1 3 2 1 20000 20001 ", Ids({"--order", "row"}));
   EXPECT_EQ("1 1 2 3 4 20000 20001 ", Ids({"--order", "id"}));
@@ -115,7 +115,7 @@ TEST_F(ToolRows, InEveryOrder) {
   EXPECT_EQ("1 2 3 4 20000 ", Ids({"--order", "folge", "--active"}));
 }
 
-TEST_F(ToolRows, InDisplayOrderOfTheIndex) {
+TEST_F(ToolShowRows, InDisplayOrderOfTheIndex) {
   MakeStock();
   auto const index =
       EncodeIndex({{1000, 2000},
@@ -125,7 +125,7 @@ TEST_F(ToolRows, InDisplayOrderOfTheIndex) {
   EXPECT_EQ("20000 2 1 ", Ids({"--order", "folge"}));
 }
 
-TEST_F(ToolRows, GivesEachLanguageAColumn) {
+TEST_F(ToolShowRows, GivesEachLanguageAColumn) {
   MakeShelf();
   EXPECT_EQ(
       "ID\tFOLGE\tSTATUS\tNAME.0\tNAME.1\tPRICE\n"
@@ -140,7 +140,7 @@ TEST_F(ToolRows, GivesEachLanguageAColumn) {
                 .out);
 }
 
-TEST_F(ToolRows, RefusesWhatMakesNoSense) {
+TEST_F(ToolShowRows, RefusesWhatMakesNoSense) {
   MakeShelf();
   auto const refusal = [this](std::vector<std::string> options) {
     options.insert(options.begin(), {"show", "stock.db", "ARTICLE"});
@@ -172,7 +172,7 @@ TEST_F(ToolRows, RefusesWhatMakesNoSense) {
                     .find("tabwerk: error[TW101]: --language: german is "));
 }
 
-TEST_F(ToolRows, TakeTheTableAsALastWordOrByOption) {
+TEST_F(ToolShowRows, TakeTheTableAsALastWordOrByOption) {
   MakeStock();
   auto const rows = [this](std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"show", "stock.db"});
