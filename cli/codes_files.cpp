@@ -153,6 +153,41 @@ constexpr CodeEntry kCodes[] = {
      "that is malformed, or that would take too long, finds nothing.",
      "tabwerk find \"B(olt|olzen)\" stock.db\n"
      "tabwerk find --literal \"1.5 (new)\" stock.db"},
+    {150, "already-there", "A file of the export is there already",
+     ExitCode::kUsage,
+     "An export replaces files only when it is told to; a script may hold "
+     "comments that a database does not keep.",
+     "tabwerk export stock.db -d source --force"},
+    {151, "name-not-carried", "A script cannot say a name", ExitCode::kFindings,
+     "Names of tables and columns are words in a script: without blanks and "
+     "line ends, one table of a name, and no column is called ENDDEF.",
+     "tabwerk info stock.db"},
+    {152, "other-form", "The file is not in the current form",
+     ExitCode::kFindings,
+     "Building makes files of the current form, so an older file cannot be "
+     "rebuilt byte for byte.",
+     "tabwerk convert stock.db -o stock-2025.db\n"
+     "tabwerk export stock-2025.db -d source"},
+    {153, "columns-not-carried", "Table data cannot fill a column",
+     ExitCode::kFindings,
+     "The reader of table data stops at a column without a type and puts "
+     "values into the first column of a name.",
+     "tabwerk info stock.db"},
+    {154, "not-rebuilt", "The export does not rebuild the file",
+     ExitCode::kFindings,
+     "The script was tried out, and the file that it made has other bytes: "
+     "the file was written by another program or holds what its tables do "
+     "not use.",
+     "tabwerk convert stock.db -o stock-new.db\n"
+     "tabwerk export stock-new.db -d source"},
+    {155, "more-refusals", "More values cannot be exported",
+     ExitCode::kFindings, "Only the first ones are listed.",
+     "tabwerk export stock.db -d source"},
+    {156, "index-not-exported", "The index is not part of an export",
+     ExitCode::kFindings,
+     "A user's order, and the status of shipped rows, stand in the index "
+     "file; scripts and table data cannot say them.",
+     "cp STOCK.idx source"},
 };
 
 }  // namespace

@@ -24,6 +24,26 @@ constexpr CodeEntry kCodes[] = {
      "The column takes numbers with a decimal point or comma, and no "
      "signs between thousands.",
      "0;0;0;Rivet;1234.5"},
+    {610, "line-feed-in-text", "A text has a line feed", ExitCode::kFindings,
+     "A line of table data ends at a line feed, also inside double quotes.",
+     "tabwerk export stock.db -d source --dry-run"},
+    {611, "quotes-in-text", "Table data cannot say where a text ends",
+     ExitCode::kFindings,
+     "Double quotes around a text are taken off, all of them; and a comma "
+     "behind an odd number of double quotes, or behind \"#TS(\" without "
+     "\")TS~\", separates nothing.",
+     "Use other quotation marks at the ends of a text."},
+    {612, "data-line-too-long", "A line of table data is too long",
+     ExitCode::kFindings,
+     "A line has up to 4,095 characters; a longer one is read as two rows.",
+     "Shorten the texts of the row."},
+    {613, "number-not-carried", "No text stands for a number",
+     ExitCode::kFindings,
+     "Of the bit patterns that are no number only the common one has a text.",
+     "Store a number in the row."},
+    {614, "text-outside", "A text lies outside the texts of the file",
+     ExitCode::kDamaged, "The place that a row names is behind the last text.",
+     "cp backup/stock.db ."},
 };
 
 }  // namespace

@@ -1,0 +1,181 @@
+// tabwerk export: the script and the table data that rebuild a database.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "cli/commands.h"
+#include "cli/export_tables.h"
+#include "cli/files.h"
+#include "cli/index_state.h"
+#include "cli/session.h"
+#include "cli/settings.h"
+#include "cli/text.h"
+#include "cli/writing.h"
+
+namespace tabwerk::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Room for a table's name behind it.
+constexpr std::size_t kMaxBaseLength = 100;
+
+// How the files of a database are called that is called so.
+std::string BaseName(std::string const& path) {
+  std::string const stem = ToUtf8(ToPath(path).stem());
+  bool const is_plain =
+      !stem.empty() && stem.size() <= kMaxBaseLength &&
+      std::all_of(stem.begin(), stem.end(), [](char it) {
+        auto const byte = static_cast<unsigned char>(it);
+        return byte < 0x80 && (std::isalnum(byte) != 0 || it == '_');
+      });
+  return is_plain ? stem : "database";
+}
+
+class ExportCommand : public Command {
+ public:
+  void Declare(CLI::App& app) override {
+    app.add_option("FILE", main_, "The database file")->required();
+    app.add_option("USERFILE", user_,
+                   "The user file that belongs to it (NAME.UDB)");
+    app.add_option("-d,--directory", folder_,
+                   "The folder for the files; it is made when it is missing")
+        ->required()
+        ->type_name("DIR");
+    app.add_flag("--force", force_, "Replace files that are there");
+    app.add_flag("--dry-run", write_.dry_run,
+                 "Do all of it, say what would be written, "
+                 "and write nothing");
+    app.footer(
+        "The script is called after FILE, and \"tabwerk build\" makes of it,\n"
+        "in DIR, a file of the same bytes but for the time of writing.  That\n"
+        "is tried before anything is written.  What scripts and table data\n"
+        "cannot say is refused, with its place.  A user file gets a script of\n"
+        "its own; order and status that stand in its index are left out.");
+  }
+
+  ExitCode Run() override {
+    std::string const base = BaseName(main_);
+    std::vector<std::pair<std::string, std::string>> sources = {{main_, base}};
+    if (!user_.empty()) sources.emplace_back(user_, base + "-user");
+    std::vector<ExportedDatabase> databases;
+    for (auto const& [path, name] : sources) {
+      ExportRefusals refusals;
+      ExportedDatabase& exported = databases.emplace_back();
+      if (auto problem = ExportTables(path, name, &exported, &refusals)) {
+        return Report(*problem);
+      }
+      if (refusals.count > 0) return ReportRefusals(path, refusals);
+      if (auto problem = TryOut(exported, path)) return Report(*problem);
+    }
+    if (auto problem = WriteFiles(databases)) return Report(*problem);
+    WarnOfIndex();
+    Summarise(databases);
+    return ExitCode::kDone;
+  }
+
+ private:
+  // A file's path as it would be typed, with "/" on every system.
+  std::string InFolder(std::string const& name) const {
+    bool const ends = folder_.ends_with('/') || folder_.ends_with('\\');
+    return folder_ + (ends ? "" : "/") + name;
+  }
+
+  static ExitCode ReportRefusals(std::string const& path,
+                                 ExportRefusals const& refusals) {
+    ExitCode code = ExitCode::kFindings;
+    for (Problem const& problem : refusals.first) code = Report(problem);
+    auto const more =
+        refusals.count - static_cast<long long>(refusals.first.size());
+    if (more > 0) {
+      code = Report({TW(155), path, std::to_string(more) + " more like these",
+                     "mend those above first"});
+    }
+    return code;
+  }
+
+  static std::optional<Problem> TryOut(ExportedDatabase const& exported,
+                                       std::string const& path) {
+    TemporaryFolder const folder;
+    if (folder.path().empty()) return TemporaryFolder::WhyMissing();
+    return CheckRebuilt(exported, path, folder.path());
+  }
+
+  std::optional<Problem> WriteFiles(
+      std::vector<ExportedDatabase> const& databases) const {
+    std::vector<ExportedFile const*> files;
+    for (ExportedDatabase const& database : databases) {
+      for (ExportedFile const& file : database.files) files.push_back(&file);
+    }
+    fs::path const folder = ToPath(folder_);
+    std::error_code error;
+    for (ExportedFile const* file : files) {
+      if (force_ || !fs::exists(folder / ToPath(file->name), error)) continue;
+      return Problem{TW(150), InFolder(file->name), "the file is there already",
+                     "name another folder behind -d, or add --force"};
+    }
+    if (write_.dry_run) return std::nullopt;
+    fs::create_directories(folder, error);
+    if (!fs::is_directory(folder, error)) {
+      return Problem{TW(115), folder_, "the folder cannot be made",
+                     "check the permissions of the folder above it"};
+    }
+    for (ExportedFile const* file : files) {
+      fs::path const path = folder / ToPath(file->name);
+      if (WriteWhole(path, file->content)) continue;
+      return Problem{TW(117), InFolder(file->name),
+                     "the file cannot be written",
+                     "check its folder and the space on the disk"};
+    }
+    return std::nullopt;
+  }
+
+  void WarnOfIndex() const {
+    if (user_.empty()) return;
+    fs::path const index =
+        IndexPath(user_, DatabaseFiles{main_, user_, ""}.DatabaseName());
+    std::error_code error;
+    if (!fs::exists(index, error)) return;
+    Warn({TW(156), ToUtf8(index),
+          "order and status of shipped rows stand here, and are not exported",
+          "keep a copy of this file with the export"});
+  }
+
+  void Summarise(std::vector<ExportedDatabase> const& databases) const {
+    std::string ending = WriteEnding(write_, {});
+    for (ExportedDatabase const& database : databases) {
+      std::string const script = InFolder(database.files.front().name);
+      Conclude(script + ": rebuilds " + database.database_file + " with " +
+               Count(database.table_count, "table") + ", " +
+               Count(database.row_count, "row") + ", with " +
+               Count(static_cast<long long>(database.files.size()) - 1,
+                     "data file") +
+               ending);
+    }
+  }
+
+  std::string main_;
+  std::string user_;
+  std::string folder_;
+  bool force_ = false;
+  WriteOptions write_;
+};
+
+}  // namespace
+
+extern CommandEntry const kExportCommand;
+CommandEntry const kExportCommand = {
+    "export",
+    Group::kMake,
+    "Write the script and the data that rebuild a database",
+    {{"export geo.db -d source", "source/geo.script and its data files"},
+     {"export geo.db GEO.UDB -d source",
+      "the user file, too, with a script of its own"},
+     {"build geo.script -C source", "rebuild it"}},
+    &MakeCommand<ExportCommand>};
+
+}  // namespace tabwerk::tool
