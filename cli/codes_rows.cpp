@@ -44,6 +44,40 @@ constexpr CodeEntry kCodes[] = {
     {614, "text-outside", "A text lies outside the texts of the file",
      ExitCode::kDamaged, "The place that a row names is behind the last text.",
      "cp backup/stock.db ."},
+    {620, "no-such-row", "There is no such row", ExitCode::kUsage,
+     "No row of the table has that ID, neither in the main file nor in the "
+     "user file.",
+     "tabwerk show stock.db STOCK.UDB -t ARTICLE"},
+    {621, "shipped-row", "A shipped row cannot be changed", ExitCode::kUsage,
+     "The values of shipped rows stand in the main file, which its vendor "
+     "replaces as a whole. The user file keeps rows of its own; their order, "
+     "and order and status of shipped rows, stand in the index.",
+     "tabwerk deactivate stock.db STOCK.UDB -t ARTICLE --id 1\n"
+     "tabwerk add stock.db STOCK.UDB -t ARTICLE NAME=Bolt"},
+    {622, "assigned-column", "A column is not set by hand", ExitCode::kUsage,
+     "ID, FOLGE and STATUS say which row it is, where it stands and whether "
+     "it is shown; they have commands of their own.",
+     "tabwerk move stock.db STOCK.UDB -t ARTICLE --id 20000 --first"},
+    {623, "no-assignment", "A word sets no column", ExitCode::kUsage,
+     "Values are given as COLUMN=VALUE, every column once. A word with blanks "
+     "stands between quotes.",
+     "tabwerk add stock.db STOCK.UDB -t ARTICLE \"NAME=Hex bolt\""},
+    {624, "text-too-long", "A text is too long", ExitCode::kRejected,
+     "A database file takes texts of up to 8,095 characters.",
+     "Shorten the text."},
+    {625, "row-without-place", "The row has no place in the order",
+     ExitCode::kUsage, "Rows that are switched off have no place.",
+     "tabwerk activate stock.db STOCK.UDB -t ARTICLE --id 1"},
+    {626, "shipped-switched-off", "The row is shipped switched off",
+     ExitCode::kUsage,
+     "The status of the main file counts unless it is 0, so a user cannot "
+     "switch the row on for good.",
+     "tabwerk add stock.db STOCK.UDB -t ARTICLE NAME=Bolt"},
+    {627, "column-needed", "The table lacks a column that is needed",
+     ExitCode::kUsage,
+     "Rows are found by the integer column ID; FOLGE holds their order and "
+     "STATUS whether they are shown.",
+     "tabwerk info stock.db"},
 };
 
 }  // namespace
