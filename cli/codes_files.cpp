@@ -188,6 +188,13 @@ constexpr CodeEntry kCodes[] = {
      "A user's order, and the status of shipped rows, stand in the index "
      "file; scripts and table data cannot say them.",
      "cp STOCK.idx source"},
+    {157, "no-target", "There is no target to convert to", ExitCode::kUsage,
+     "A file is replaced only with a copy of what it was.",
+     "tabwerk convert stock.db -o stock-new.db\n"
+     "tabwerk convert stock.db --backup"},
+    {158, "target-taken", "The target is there already", ExitCode::kUsage,
+     "A conversion takes the place of no other file.",
+     "tabwerk convert stock.db -o stock-new.db"},
 };
 
 }  // namespace

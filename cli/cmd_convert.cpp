@@ -1,0 +1,120 @@
+// tabwerk convert: a database file in the current form.
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "cli/commands.h"
+#include "cli/console.h"
+#include "cli/convert_file.h"
+#include "cli/database_file.h"
+#include "cli/files.h"
+#include "cli/settings.h"
+#include "cli/text.h"
+#include "cli/writing.h"
+
+namespace tabwerk::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string FormText(DatabaseFile const& file) {
+  std::string const version = std::to_string(file.version);
+  if (file.header_bytes == 0) return version + " (no header)";
+  return version + (file.time_stamp == 0 ? "" : " with time");
+}
+
+class ConvertCommand : public Command {
+ public:
+  void Declare(CLI::App& app) override {
+    app.add_option("FILE", source_, "The database file, in any form")
+        ->required();
+    app.add_option("-o,--output", target_,
+                   "Write the new file here; without this, FILE is replaced, "
+                   "which needs --backup")
+        ->type_name("FILE");
+    AddWriteOptions(app, &write_);
+    app.footer(
+        "Rows, texts and tables stay; every text gets a place of its own, in\n"
+        "the order of the rows, and what no row uses is left out.  Damaged\n"
+        "files are refused.  A user file's index finds its rows again by ID.");
+  }
+
+  ExitCode Run() override {
+    if (auto const problem = CheckArguments()) return Report(*problem);
+    std::string const target = target_.empty() ? source_ : target_;
+    DatabaseFile before;
+    DatabaseFile after;
+    if (auto const problem = Examine(source_, &before)) {
+      return Report(*problem);
+    }
+    if (write_.backup) {
+      if (auto problem = MakeBackup({ToPath(source_)}, &copies_)) {
+        return Report(*problem);
+      }
+    }
+    TemporaryFolder const folder;
+    if (folder.path().empty()) return Report(TemporaryFolder::WhyMissing());
+    std::string const written =
+        write_.dry_run ? ToUtf8(folder.path() / ToPath(target).filename())
+                       : target;
+    auto problem = ConvertFile(source_, written);
+    if (!problem) problem = ReadDatabaseFile(written, &after);
+    if (problem) {
+      if (problem->where.file == written) problem->where.file = target;
+      return Report(*problem);
+    }
+    Summarise(target, before, after);
+    return ExitCode::kDone;
+  }
+
+ private:
+  std::optional<Problem> CheckArguments() const {
+    std::error_code error;
+    if (target_.empty()) {
+      if (write_.backup || write_.dry_run) return std::nullopt;
+      return Problem{TW(157), source_, "there is no target",
+                     "name one behind -o, or replace the file and keep a copy "
+                     "of it with --backup"};
+    }
+    if (!fs::exists(ToPath(target_), error)) return std::nullopt;
+    return Problem{TW(158), target_, "there is a file of that name",
+                   "name another one behind -o"};
+  }
+
+  void Summarise(std::string const& target, DatabaseFile const& before,
+                 DatabaseFile const& after) const {
+    Conclude(source_ + ": converted" +
+             (target == source_ ? "" : " to " + target) +
+             WriteEnding(write_, copies_));
+    if (CurrentSettings().quiet) return;
+    console::Out("  form    " + FormText(before) + " -> " + FormText(after) +
+                 "\n");
+    console::Out("  size    " + std::to_string(before.size_bytes) + " -> " +
+                 std::to_string(after.size_bytes) + " bytes\n");
+    console::Out("  tables  " +
+                 Count(static_cast<long long>(before.tables.size()), "table") +
+                 ", " + Count(before.RowCount(), "row") + " -> " +
+                 Count(static_cast<long long>(after.tables.size()), "table") +
+                 ", " + Count(after.RowCount(), "row") + "\n");
+  }
+
+  std::string source_;
+  std::string target_;
+  WriteOptions write_;
+  std::vector<std::string> copies_;
+};
+
+}  // namespace
+
+extern CommandEntry const kConvertCommand;
+CommandEntry const kConvertCommand = {
+    "convert",
+    Group::kChange,
+    "Write a database file of any form anew in the current one",
+    {{"convert stock-2014.db -o stock.db", "the old file stays"},
+     {"convert stock.db --backup", "in place, with a copy"}},
+    &MakeCommand<ConvertCommand>};
+
+}  // namespace tabwerk::tool

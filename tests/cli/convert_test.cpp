@@ -1,0 +1,102 @@
+#include "tests/cli/tool_test.h"
+#include "tests/support/hex_file.h"
+
+namespace tabwerk::test {
+namespace {
+
+class ToolConvert : public ToolTest {};
+
+TEST_F(ToolConvert, BringsEveryFormIntoTheCurrentOne) {
+  for (std::string const name :
+       {"headerless_2014", "version_2016", "version_2018", "current_2025"}) {
+    folder_.Make("old.db", HexFile(name));
+    std::string const old = folder_.ReadBytes("old.db");
+    std::string const table =
+        DecodeDatabase({old.begin(), old.end()})->tables.front().name;
+    std::string const rows = Rows("old.db", table);
+    auto const run = Run({"convert", "old.db", "-o", "new.db"});
+    EXPECT_EQ(0, run.exit_code) << run.err;
+    EXPECT_EQ(0U, run.out.find("old.db: converted to new.db\n  form    " +
+                               name.substr(name.size() - 4)))
+        << run.out;
+    EXPECT_NE(std::string::npos, run.out.find(" -> 2025 with time\n"));
+    EXPECT_EQ(rows, Rows("new.db", table));
+    EXPECT_EQ(old, folder_.ReadBytes("old.db"));
+    EXPECT_EQ(0, Run({"export", "new.db", "-d", name}).exit_code);
+    std::filesystem::remove(folder_.folder() / "new.db");
+  }
+}
+
+TEST_F(ToolConvert, ReplacesAFileOnlyWithABackup) {
+  folder_.Make("stock.db", HexFile("version_2016"));
+  std::string const old = folder_.ReadBytes("stock.db");
+  auto const refused = RunToLook({"convert", "stock.db"});
+  EXPECT_NE(std::string::npos, refused.err.find("error[TW157]"));
+  EXPECT_EQ(2, refused.exit_code);
+  auto const run = Run({"convert", "stock.db", "--backup"});
+  EXPECT_EQ(0, run.exit_code) << run.err;
+  EXPECT_EQ(
+      0U, run.out.find("stock.db: converted (backup: stock.db.bak)\n  form    "
+                       "2016 -> 2025 with time\n"))
+      << run.out;
+  EXPECT_EQ(old, folder_.ReadBytes("stock.db.bak"));
+  EXPECT_EQ("ver2025", folder_.ReadBytes("stock.db").substr(0, 7));
+}
+
+TEST_F(ToolConvert, DryRunChangesNothing) {
+  folder_.Make("stock.db", HexFile("headerless_2014"));
+  std::string const before = Snapshot();
+  auto const run = Run({"convert", "stock.db", "--dry-run"});
+  EXPECT_EQ(0, run.exit_code) << run.err;
+  EXPECT_NE(std::string::npos, run.out.find("(dry run: nothing was changed)"));
+  EXPECT_NE(std::string::npos, run.out.find("2014 (no header) -> 2025"));
+  EXPECT_EQ(before, Snapshot());
+}
+
+TEST_F(ToolConvert, TakesTheFormOfAUserFileAsWell) {
+  MakeStock();
+  std::string const rows = Rows("STOCK.UDB", "ARTICLE");
+  EXPECT_EQ(0, Run({"convert", "STOCK.UDB", "--backup"}).exit_code);
+  EXPECT_EQ(rows, Rows("STOCK.UDB", "ARTICLE"));
+  EXPECT_FALSE(folder_.Exists("STOCK.idx"));
+}
+
+TEST_F(ToolConvert, RefusesATargetThatIsThere) {
+  MakeStock();
+  folder_.Make("other.txt", "mine");
+  for (std::string const target : {"STOCK.UDB", "other.txt", "stock.db"}) {
+    auto const run = RunToLook({"convert", "stock.db", "-o", target});
+    EXPECT_EQ(0U, run.err.find(target + ": error[TW158]")) << run.err;
+    EXPECT_EQ(2, run.exit_code);
+  }
+}
+
+TEST_F(ToolConvert, RefusesDamagedFiles) {
+  MakeMainFile();
+  std::string const whole = folder_.ReadBytes("stock.db");
+  for (std::size_t size = 0; size < whole.size(); size += 17) {
+    folder_.Make("stock.db", whole.substr(0, size));
+    auto const run = RunToLook({"convert", "stock.db", "-o", "new.db"});
+    EXPECT_LE(3, run.exit_code) << size << run.out;
+    EXPECT_GE(4, run.exit_code) << size << run.err;
+  }
+}
+
+TEST_F(ToolConvert, RefusesATextThatCannotBeSaved) {
+  MakeDatabase(
+      "stock.db",
+      {PlainHeader::k2018,
+       0,
+       {{"T",
+         "integer ID,string NAME\n",
+         {"1|" + std::string(8095, 'x'), "2|" + std::string(8096, 'x')}}}});
+  auto const run = RunToLook({"convert", "stock.db", "-o", "new.db"});
+  EXPECT_EQ(
+      "stock.db: error[TW624]: table T, row 1, column NAME: the text has 8096 "
+      "characters, over 8095; shorten it with the program that wrote it\n",
+      run.err);
+  EXPECT_EQ(6, run.exit_code);
+}
+
+}  // namespace
+}  // namespace tabwerk::test
