@@ -78,6 +78,31 @@ constexpr CodeEntry kCodes[] = {
      "Rows are found by the integer column ID; FOLGE holds their order and "
      "STATUS whether they are shown.",
      "tabwerk info stock.db"},
+    {630, "no-utf8", "The text is not UTF-8", ExitCode::kFile,
+     "CSV, TSV and JSON are read as UTF-8, or as UTF-16, little-endian, "
+     "behind a byte-order mark.",
+     "iconv -f WINDOWS-1252 -t UTF-8 rows.csv > rows-utf8.csv"},
+    {631, "text-behind-quote", "There is text behind a closing double quote",
+     ExitCode::kRejected,
+     "A value in double quotes ends at the quote; one that belongs to the "
+     "text is doubled.",
+     "1,\"Pipe 3\"\" long\""},
+    {632, "open-quote", "A double quote is never closed", ExitCode::kFile,
+     "All that follows would belong to the value.", "1,\"Pipe 3\"\" long\""},
+    {633, "no-json", "The input is not JSON of rows", ExitCode::kFile,
+     "JSON is an array of objects, newline-delimited JSON an object a line; "
+     "each object is a row, each of its names a column.",
+     "[{\"NAME\": \"Bolt\", \"PRICE\": 0.25}]"},
+    {634, "no-value", "This is no value of a table", ExitCode::kRejected,
+     "Columns take numbers and texts. null stands for no value.",
+     "{\"NAME\": \"Bolt\", \"PRICE\": 0.25}"},
+    {635, "wrong-column", "The input has a column that does not fit",
+     ExitCode::kUsage,
+     "Every name is that of a column of the table, and stands there once. "
+     "Capital and small letters differ.",
+     "tabwerk info stock.db"},
+    {636, "missing-column", "The input lacks a column", ExitCode::kFindings,
+     "The rows get 0 or an empty text in it.", "NAME,PRICE"},
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdint>
 
+#include "cli/field_value.h"
 #include "cli/files.h"
 #include "cli/text.h"
 #include "ztypes.h"
@@ -15,11 +16,6 @@ constexpr char16_t kMark = 0xFEFF;
 // The import reads no more than so many units at once, the line feed included;
 // a longer line would become two rows.
 constexpr std::size_t kMaxLineUnits = 4095;
-
-// The library gives these columns values of its own.
-bool IsAssigned(std::string_view column) {
-  return column == "ID" || column == "FOLGE" || column == "STATUS";
-}
 
 // A value of a numeric column as the import reads it, in ASCII: commas are
 // full stops, one pair of quotes is gone.  Other characters become "?".

@@ -161,7 +161,7 @@ TEST_F(ToolImport, RefusesATextOfBytes) {
   EXPECT_EQ(
       "rows.txt: error[TW129]: this is no UTF-16LE text; save it as \"Unicode "
       "text\" "
-      "(UTF-16, little-endian)\n",
+      "(UTF-16, little-endian), or say with --from what it is\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
 }
