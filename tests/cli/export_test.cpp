@@ -129,6 +129,9 @@ TEST_F(ToolExport, RefusesDefinitionsThatWouldNotReadBack) {
                 .find("error[TW153]: table T, column NAME: another column has "
                       "its name"));
   EXPECT_NE(std::string::npos,
+            OfRows({"1|"}, "integer ID,unknown X\n")
+                .find("error[TW153]: table T, column X: it has no type"));
+  EXPECT_NE(std::string::npos,
             OfRows({"1|a"}, "integer ID,string ENDDEF\n")
                 .find("error[TW151]: table T, column \"ENDDEF\": "));
   EXPECT_NE(std::string::npos,
@@ -191,6 +194,28 @@ TEST_F(ToolExport, ReplacesFilesOnlyByForce) {
   EXPECT_EQ(0,
             Run({"export", "stock.db", "-d", "source", "--force"}).exit_code);
   EXPECT_EQ(script, folder_.Content("source/stock.script"));
+}
+
+TEST_F(ToolExport, RefusesAFolderThatCannotBeMade) {
+  MakeStock();
+  auto const run = RunToLook({"export", "stock.db", "-d", "STOCK.UDB"});
+  EXPECT_EQ(
+      "STOCK.UDB: error[TW115]: the folder cannot be made; check the "
+      "permissions of the folder above it\n",
+      run.err);
+  EXPECT_EQ(3, run.exit_code);
+}
+
+TEST_F(ToolExport, RefusesANotANumberWithoutAText) {
+  MakeDatabase("stock.db", {PlainHeader::kCurrent,
+                            1000,
+                            {{"T", "integer ID,real PRICE\n", {"3|-nan"}}}});
+  auto const run = RunToLook({"export", "stock.db", "-d", "source"});
+  EXPECT_EQ(
+      "stock.db: error[TW613]: table T, row 0 (ID 3), column PRICE: it holds a "
+      "not-a-number that no text stands for; store a number instead\n",
+      run.err);
+  EXPECT_EQ(1, run.exit_code);
 }
 
 TEST_F(ToolExport, SaysThatTheIndexStaysBehind) {
