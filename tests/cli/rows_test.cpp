@@ -219,6 +219,36 @@ TEST_F(ToolRows, DryRunsChangeNothing) {
   }
 }
 
+TEST_F(ToolRows, SayWhatStandsInTheWay) {
+  MakeStock();
+  folder_.SetReadOnly("STOCK.UDB", true);
+  for (char const* const dry_run : {"--dry-run", "--quiet"}) {
+    auto const run = Change("add", {"NAME=x", dry_run});
+    EXPECT_EQ(
+        "STOCK.UDB: error[TW113]: the file is read-only; make it writable "
+        "first\n",
+        run.err);
+    EXPECT_EQ(3, run.exit_code);
+  }
+  folder_.SetReadOnly("STOCK.UDB", false);
+  EXPECT_EQ(2, Run({"add", "stock.db", "STOCK.UDB", "-t", "NONE"}).exit_code);
+  auto const wrong = Run({"add", "stock.db", "stock.udb", "-t", "ARTICLE"});
+  EXPECT_EQ(0U, wrong.err.find("stock.udb: error[TW104]")) << wrong.err;
+}
+
+TEST_F(ToolRows, RefuseDamagedFiles) {
+  MakeStock();
+  std::string const whole = folder_.ReadBytes("stock.db");
+  for (std::size_t size = 0; size < whole.size(); size += 37) {
+    folder_.Make("stock.db", whole.substr(0, size));
+    std::string const user_file = folder_.ReadBytes("STOCK.UDB");
+    auto const run = Change("deactivate", {"--id", "20000"});
+    EXPECT_LE(3, run.exit_code) << size << run.out;
+    EXPECT_GE(4, run.exit_code) << size << run.err;
+    EXPECT_EQ(user_file, folder_.ReadBytes("STOCK.UDB"));
+  }
+}
+
 TEST_F(ToolRows, BackupKeepsOrderAndStatus) {
   MakeStock();
   EXPECT_EQ(0, Change("move", {"--id", "2", "--first"}).exit_code);
