@@ -111,6 +111,9 @@ Problem WhyNotOpened(std::string const& file, Access access) {
 }
 
 bool ReadWhole(fs::path const& path, std::string* content) {
+  // A folder opens, and has no size.
+  std::error_code error;
+  if (fs::is_directory(path, error)) return false;
   std::ifstream file(path, std::ios::binary | std::ios::ate);
   if (!file) return false;
   std::streamoff const size = file.tellg();

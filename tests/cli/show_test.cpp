@@ -84,6 +84,14 @@ TEST_F(ToolShow, TakesTheIndexFileByTheGivenName) {
   EXPECT_NE(std::string::npos, run.out.find("20000\t1\t1\tWasher")) << run.out;
 }
 
+TEST_F(ToolShow, ShowsRowsAsStoredWhenAFolderStandsInTheIndexsPlace) {
+  MakeStock();
+  folder_.MakeFolder("STOCK.idx");
+  auto const run = Run({"show", "stock.db", "STOCK.UDB", "-t", "EMPTY"});
+  EXPECT_EQ("", run.err);
+  EXPECT_EQ(0, run.exit_code);
+}
+
 TEST_F(ToolShow, NamesTheTablesWhenThereIsNoSuchTable) {
   MakeMainFile();
   auto const run = Run({"show", "stock.db", "-t", "article"});
