@@ -2,7 +2,33 @@
 #include "cli/codes.h"
 
 namespace tabwerk::tool {
+namespace {
 
-std::span<CodeEntry const> TextCodes() { return {}; }
+constexpr auto kFindings = ExitCode::kFindings;
+
+constexpr CodeEntry kCodes[] = {
+    {510, "unclosed-section", "A section for several languages does not end",
+     kFindings,
+     "Without \")TS~\" the section is no section: it shows as it is stored, "
+     "with its marker and all languages.",
+     "#TS(Bolt¬Schraube)TS~"},
+    {511, "nested-section", "A section begins inside another one", kFindings,
+     "Sections do not nest. The first \")TS~\" behind the first \"#TS(\" ends "
+     "the section, and what it leaves over is translated once more.",
+     "#TS(Bolt¬Schraube)TS~ #TS(long¬lang)TS~"},
+    {512, "stray-marker", "An end marker stands outside a section", kFindings,
+     "A \")TS~\" that ends no section is text like any other, so users see it.",
+     "#TS(Bolt¬Schraube)TS~"},
+    {513, "blocked-section", "A section is blocked by an earlier one",
+     kFindings,
+     "The first section that lacks a language ends the translation of the "
+     "text: the ones behind it show with their markers in that language, even "
+     "where they have it.",
+     "#TS(Bolt¬Schraube)TS~ #TS(long¬lang)TS~"},
+};
+
+}  // namespace
+
+std::span<CodeEntry const> TextCodes() { return kCodes; }
 
 }  // namespace tabwerk::tool
