@@ -1,6 +1,7 @@
 // tabwerk build: a database file from a script.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -12,8 +13,9 @@
 #include "cli/console.h"
 #include "cli/database_file.h"
 #include "cli/files.h"
+#include "cli/lint.h"
 #include "cli/progress.h"
-#include "cli/script_scan.h"
+#include "cli/script_files.h"
 #include "cli/session.h"
 #include "cli/settings.h"
 #include "cli/text.h"
@@ -24,6 +26,19 @@ namespace {
 
 constexpr int kScriptFailed = 0;
 constexpr int kWrittenOtherVersion = 2;
+
+// Findings that tell of statements or data that are not in the database.
+bool IsLoss(Code code) {
+  constexpr int kLosses[] = {216, 217, 218, 233};
+  return std::find(std::begin(kLosses), std::end(kLosses), code.number) !=
+         std::end(kLosses);
+}
+
+bool HasLoss(ScriptScan const& scan) {
+  return std::any_of(
+      scan.findings.begin(), scan.findings.end(),
+      [](ScriptFinding const& it) { return IsLoss(it.problem.code); });
+}
 
 // The files that a dry run makes; the destructor removes them.
 class DryRunFiles {
@@ -63,13 +78,12 @@ class BuildCommand : public Command {
  public:
   void Declare(CLI::App& app) override {
     app.add_option("SCRIPT", script_, "The script")->required();
-    app.add_option("-C", folder_,
-                   "Go to this folder first; all paths are relative to it")
-        ->type_name("DIR");
+    AddFolderOption(app, &folder_);
     app.add_option("--expect-version", version_,
                    "Version that the data are to have; only for a script "
                    "that is called D000")
         ->type_name("VERSION");
+    app.add_flag("--lint", lint_, "Say first all that \"tabwerk lint\" finds");
     AddWriteOptions(app, &write_);
     app.footer(
         "A database that was there is replaced when the new one is complete;\n"
@@ -77,24 +91,32 @@ class BuildCommand : public Command {
   }
 
   ExitCode Run() override {
-    if (auto const problem = EnterFolder()) return Report(*problem);
+    if (auto const problem = EnterFolder(folder_)) return Report(*problem);
     std::string content;
     if (!ReadWhole(ToPath(script_), &content)) {
       return Report({TW(116), script_, "the script cannot be read",
                      "check its path and permissions"});
     }
     ScriptScan const scan = ScanScript(script_, content);
+    if (lint_) PrintFindings(scan, [](Severity, Code) { return true; });
     return write_.dry_run ? RunDry(scan) : RunReally(scan);
   }
 
  private:
-  std::optional<Problem> EnterFolder() const {
-    if (folder_.empty()) return std::nullopt;
-    std::error_code error;
-    std::filesystem::current_path(ToPath(folder_), error);
-    if (!error) return std::nullopt;
-    return Problem{TW(130), folder_, "this is no folder to work in",
-                   "check the path behind -C"};
+  // Those that are chosen, on standard error.
+  template <typename Choose>
+  void PrintFindings(ScriptScan const& scan, Choose choose) {
+    Lint(scan, [&](Severity severity, Problem const& problem) {
+      if (!choose(severity, problem.code)) return;
+      has_findings_ = has_findings_ || severity != Severity::kNote;
+      has_losses_ = has_losses_ || IsLoss(problem.code);
+      if (severity == Severity::kError) {
+        ExitCode const code = Report(problem);
+        if (failure_ == ExitCode::kDone) failure_ = code;
+      } else {
+        Warn(problem, severity);
+      }
+    });
   }
 
   ExitCode RunReally(ScriptScan const& scan) {
@@ -118,12 +140,7 @@ class BuildCommand : public Command {
 
   // Builds beside the databases, under names that are gone afterwards.
   ExitCode RunDry(ScriptScan const& scan) {
-    if (scan.failure) return Report(*scan.failure);
-    for (ScriptDatabase const& database : scan.databases) {
-      if (auto const problem = WhyNotReplaced(database.file)) {
-        return Report(*problem);
-      }
-    }
+    if (scan.Failure() != nullptr) return ReportFailure(scan, DBInterpreter());
     TemporaryFolder const folder;
     auto const script = folder.path() / ToPath(script_).filename();
     DryRunFiles const drafts(scan);
@@ -136,10 +153,10 @@ class BuildCommand : public Command {
   }
 
   // script is what is carried out.
-  ExitCode Build(ScriptScan const& scan, std::string const& script) const {
+  ExitCode Build(ScriptScan const& scan, std::string const& script) {
     DBInterpreter interpreter;
     int const result = ReadScript(&interpreter, script);
-    if (result == kScriptFailed) return Report(WhyFailed(scan, interpreter));
+    if (result == kScriptFailed) return ReportFailure(scan, interpreter);
     return Finish(scan, interpreter, result);
   }
 
@@ -149,28 +166,26 @@ class BuildCommand : public Command {
                                    zWString::fromUtf8(version_.value_or("")));
   }
 
+  ExitCode ReportFailure(ScriptScan const& scan,
+                         DBInterpreter const& interpreter) {
+    if (!lint_) {
+      PrintFindings(scan, [](Severity severity, Code) {
+        return severity == Severity::kError;
+      });
+    }
+    if (failure_ != ExitCode::kDone) return failure_;
+    return Report(WhyFailed(scan, interpreter));
+  }
+
+  // For a failure that does not show in the script.
   Problem WhyFailed(ScriptScan const& scan,
                     DBInterpreter const& interpreter) const {
-    if (scan.failure) return *scan.failure;
     std::string const target = scan.DatabaseFile();
     if (auto const problem = WhyNotReplaced(target)) return *problem;
     if (interpreter.GetError() != 0) return DataProblem(interpreter);
     return {TW(119), target, "the database could not be written",
             "check that its folder and the folder for temporary files can be "
-            "written and have room, and that names of tables and columns are "
-            "plain words"};
-  }
-
-  static std::optional<Problem> WhyNotReplaced(std::string const& target) {
-    std::error_code error;
-    auto const path = ToPath(target);
-    bool const stands_in_the_way =
-        std::filesystem::exists(path, error)
-            ? !LetsIn(target, Access::kReplace)
-            : path.has_parent_path() &&
-                  !std::filesystem::is_directory(path.parent_path(), error);
-    if (!stands_in_the_way) return std::nullopt;
-    return WhyNotOpened(target, Access::kReplace);
+            "written and have room"};
   }
 
   // What the reader of table data has left out.
@@ -189,7 +204,7 @@ class BuildCommand : public Command {
   }
 
   ExitCode Finish(ScriptScan const& scan, DBInterpreter const& interpreter,
-                  int result) const {
+                  int result) {
     DatabaseFile file;
     if (auto const problem =
             ReadDatabaseFile(scan.DatabaseFile() + ending_, &file)) {
@@ -197,9 +212,13 @@ class BuildCommand : public Command {
     }
     file.path = scan.DatabaseFile();
     PrintBuilt(file);
-    ExitCode code = ExitCode::kDone;
-    for (Problem const& remark : scan.remarks) code = Report(remark);
-    if (interpreter.GetError() != 0) code = Report(DataProblem(interpreter));
+    bool const data_left_out = interpreter.GetError() != 0;
+    // Without need the data are not read again.
+    if (!lint_ && (data_left_out || HasLoss(scan))) {
+      PrintFindings(scan, [](Severity, Code code) { return IsLoss(code); });
+    }
+    ExitCode code = has_findings_ ? ExitCode::kFindings : ExitCode::kDone;
+    if (data_left_out && !has_losses_) code = Report(DataProblem(interpreter));
     // Without an expected version there is nothing to differ from.
     if (result == kWrittenOtherVersion && version_) {
       code = Report({TW(219), script_,
@@ -224,9 +243,14 @@ class BuildCommand : public Command {
   std::string script_;
   std::string folder_;
   std::optional<std::string> version_;
+  bool lint_ = false;
   WriteOptions write_;
   std::vector<std::string> copies_;  // of a backup
   std::string ending_;               // of the file that is built
+  // Of the findings that were printed.
+  bool has_findings_ = false;  // errors or warnings
+  bool has_losses_ = false;
+  ExitCode failure_ = ExitCode::kDone;  // of the first error
 };
 
 }  // namespace
@@ -238,7 +262,8 @@ CommandEntry const kBuildCommand = {
     "Make a database file from a script",
     {{"build geo.script -C examples/reference",
       "paths are those of that folder"},
-     {"build geo.script --dry-run", "what would be built?"}},
+     {"build geo.script --dry-run", "what would be built?"},
+     {"build geo.script --lint", "with all that looks like a mistake"}},
     &MakeCommand<BuildCommand>};
 
 }  // namespace tabwerk::tool

@@ -123,8 +123,8 @@ ExitCode Report(Problem const& problem) {
   return problem.Exit();
 }
 
-void Warn(Problem const& problem) {
-  if (!CurrentSettings().quiet) Print(problem, Severity::kWarning);
+void Warn(Problem const& problem, Severity severity) {
+  if (!CurrentSettings().quiet) Print(problem, severity);
 }
 
 }  // namespace tabwerk::tool

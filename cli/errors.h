@@ -59,8 +59,8 @@ std::string Describe(Problem const& problem, Severity severity, bool colors);
 // problem's exit code.
 ExitCode Report(Problem const& problem);
 
-// The same as a warning; nothing with -q.
-void Warn(Problem const& problem);
+// The same as a warning or a note; nothing with -q.
+void Warn(Problem const& problem, Severity severity = Severity::kWarning);
 
 }  // namespace tabwerk::tool
 

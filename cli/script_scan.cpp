@@ -1,277 +1,316 @@
 #include "cli/script_scan.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 #include <string_view>
-#include <system_error>
+#include <utility>
 
 #include "DBDirectory.h"
 #include "cli/files.h"
-#include "cli/text.h"
+#include "cli/script_context.h"
+#include "cli/script_definition.h"
+#include "cli/script_files.h"
 #include "ztypes.h"
 
 namespace tabwerk::tool {
 namespace {
 
 // The limits and separators of the script reader.
-constexpr std::size_t kMaxLineBytes = 4095;
 constexpr std::size_t kMaxDataPathBytes = 259;
-constexpr std::size_t kMaxDefinitionBytes = 16383;
 constexpr std::string_view kKeywordSeparators = " \t\n;";
 constexpr std::string_view kKeywordSeparatorsBehindEmptyLine = " \n";
 constexpr std::string_view kDatabaseSeparators = " \n;";
 constexpr std::string_view kTableSeparators = " \n";
 constexpr std::string_view kWordSeparators = " \t\n";
-
-// Lines with their numbers; a line over the limit comes in pieces.
-class Lines {
- public:
-  explicit Lines(std::string const& content) {
-    for (std::size_t i = 0; i < content.size(); ++i) {
-      if (content[i] == '\x1A') break;  // Ctrl-Z ends the text
-      bool const before_line_feed = content[i] == '\r' &&
-                                    i + 1 < content.size() &&
-                                    content[i + 1] == '\n';
-      if (!before_line_feed) text_ += content[i];
-    }
-  }
-
-  std::string_view Next() {
-    number_ += begins_line_ ? 1 : 0;
-    std::string_view const rest = std::string_view(text_).substr(at_);
-    std::size_t const line_feed = rest.substr(0, kMaxLineBytes).find('\n');
-    bool const whole = line_feed != rest.npos;
-    std::size_t const length =
-        whole ? line_feed + 1 : std::min(rest.size(), kMaxLineBytes);
-    at_ += length;
-    begins_line_ = whole;
-    at_end_ = !whole && length < kMaxLineBytes;
-    std::string_view const line = rest.substr(0, length);
-    current_ = line.substr(0, line.find('\0'));
-    return current_;
-  }
-  std::string_view Current() const { return current_; }
-  // Offset behind a part of the text.
-  std::size_t EndOf(std::string_view part) const {
-    return static_cast<std::size_t>(part.data() - text_.data()) + part.size();
-  }
-  std::string const& Text() const { return text_; }
-  bool AtEnd() const { return at_end_; }
-  std::size_t Number() const { return number_; }
-
- private:
-  std::string text_;
-  std::string_view current_;
-  std::size_t at_ = 0;
-  std::size_t number_ = 0;
-  bool begins_line_ = true;
-  bool at_end_ = false;
-};
-
-std::string_view NextWord(std::string_view* line, std::string_view separators) {
-  line->remove_prefix(
-      std::min(line->find_first_not_of(separators), line->size()));
-  std::size_t const length =
-      std::min(line->find_first_of(separators), line->size());
-  std::string_view const word = line->substr(0, length);
-  line->remove_prefix(std::min(length + 1, line->size()));
-  return word;
-}
-
-// A script is 8-bit text, and most are UTF-8 to those who write them.
-std::string TextToUtf8(std::string_view bytes) {
-  std::string const text = zWString::fromUtf8(bytes).toUtf8();
-  return text == bytes ? text : zWString::fromLatin1(bytes).toUtf8();
-}
-
-bool IsKeyword(std::string_view word) {
-  return word == "NEWDATABASE" || word == "NEWTABLE" || word == "TABLEDATA";
-}
+constexpr std::string_view kVersionTable = "VERSION";
 
 class Scanner {
  public:
   Scanner(std::string const& script, std::string const& content)
-      : script_(script), lines_(content) {}
+      : script_(script), context_(script, content) {}
 
   ScriptScan Run();
 
  private:
-  // word is a part of the current line; what is meant in it.  Without one,
-  // it is the end of the line.
-  Place At(std::string_view word = {}) const;
-  bool Fail(Code code, Place where, std::string what, std::string advice) {
-    scan_.failure =
-        Problem{code, std::move(where), std::move(what), std::move(advice)};
-    return false;
-  }
+  bool NextStatement(std::string_view* keyword, std::string_view* rest);
+  void CheckHidden(std::string_view line, std::string_view keyword);
+  void CheckLastLine(std::string_view keyword);
+  void CheckEnd();
 
-  // Each is false at a statement that fails.
-  bool Statement(std::string_view keyword, std::string_view rest);
-  bool NewDatabase(std::string_view rest);
-  bool NewTable(std::string_view rest);
-  bool Definition(std::string const& table);
-  bool TableData(std::string_view rest);
-  void NoteUnexecuted(std::string_view keyword);
+  void Statement(std::string_view rest);
+  void CheckUnknown();
+  void NewDatabase(std::string_view rest);
+  void CheckDatabaseName(std::string_view name);
+  void CheckForgotten();
+  void NewTable(std::string_view rest);
+  void CheckTableName(std::string_view name);
+  void TableData(std::string_view rest);
+  bool CheckDataPath(std::string_view path);
+  void CheckTableWord(std::string_view word);
+
+  ScriptLines const& Lines() const { return context_.lines(); }
+  ScriptScan& Scan() { return context_.scan(); }
 
   std::string const& script_;
-  Lines lines_;
-  ScriptScan scan_;
+  ScriptContext context_;
   std::string_view keyword_;  // of the current statement
+  // The current line is yet to be taken for a statement.
+  bool is_line_unused_ = false;
   bool has_database_ = false;
-  std::set<std::string, std::less<>> tables_;
+  bool has_table_ = false;  // of the current database
+  std::set<std::string, std::less<>> names_;
 };
 
-Place Scanner::At(std::string_view word) const {
-  std::string_view line = lines_.Current();
-  line = line.substr(0, line.find_last_not_of(" \t\n") + 1);
-  std::size_t const before =
-      word.empty() ? line.size()
-                   : static_cast<std::size_t>(word.data() - line.data());
-  Place place(script_, lines_.Number(),
-              CharacterCount(TextToUtf8(line.substr(0, before))) + 1);
-  place.source = TextToUtf8(line);
-  place.length = std::max<std::size_t>(1, CharacterCount(TextToUtf8(word)));
-  return place;
-}
-
 ScriptScan Scanner::Run() {
-  bool sound = true;
-  while (sound && !lines_.AtEnd()) {
-    std::string_view line = lines_.Next();
-    std::string_view keyword = NextWord(&line, kKeywordSeparators);
-    while (keyword.empty() && !lines_.AtEnd()) {
-      line = lines_.Next();
-      keyword = NextWord(&line, kKeywordSeparatorsBehindEmptyLine);
-    }
-    if (lines_.AtEnd()) {
-      NoteUnexecuted(keyword);
-      break;
-    }
-    sound = Statement(keyword, line);
+  std::string_view rest;
+  while (!Lines().AtEnd() && NextStatement(&keyword_, &rest)) {
+    Statement(rest);
   }
-  if (sound && !has_database_) {
-    scan_.failure =
-        Problem{TW(215), script_, "there is no statement NEWDATABASE",
-                "begin it with \"NEWDATABASE name file\""};
-  }
-  scan_.text = lines_.Text();
-  return scan_;
+  CheckEnd();
+  Scan().text = Lines().Text();
+  return std::move(Scan());
 }
 
-void Scanner::NoteUnexecuted(std::string_view keyword) {
+// False at the end of the script, also in a last line that is not carried out.
+bool Scanner::NextStatement(std::string_view* keyword, std::string_view* rest) {
+  *rest = std::exchange(is_line_unused_, false) ? Lines().Current()
+                                                : context_.Next();
+  *keyword = NextWord(rest, kKeywordSeparators);
+  while (keyword->empty() && !Lines().AtEnd()) {
+    *rest = context_.Next();
+    std::string_view const line = *rest;
+    *keyword = NextWord(rest, kKeywordSeparatorsBehindEmptyLine);
+    CheckHidden(line, *keyword);
+  }
+  if (!Lines().AtEnd()) return true;
+  CheckLastLine(*keyword);
+  return false;
+}
+
+void Scanner::CheckHidden(std::string_view line, std::string_view keyword) {
+  std::string_view const word = NextWord(&line, kKeywordSeparators);
+  if (!IsKeyword(word) || IsKeyword(keyword)) return;
+  context_.Warn(TW(233), Lines().At(word),
+                "the statement is not carried out: behind an empty line only "
+                "blanks may stand around its keyword",
+                "put blanks in place of the tab or \";\", or take the empty "
+                "line out");
+}
+
+void Scanner::CheckLastLine(std::string_view keyword) {
   if (!IsKeyword(keyword)) return;
-  scan_.remarks.push_back(
-      {TW(216), At(),
-       "the last line is not carried out, because no line feed ends it",
-       "end the line"});
+  context_.Warn(TW(216), Lines().At(),
+                "the last line is not carried out, because no line feed ends "
+                "it",
+                "end the line");
 }
 
-bool Scanner::Statement(std::string_view keyword, std::string_view rest) {
-  keyword_ = keyword;
-  if (keyword == "NEWDATABASE") return NewDatabase(rest);
-  if (keyword == "NEWTABLE") return NewTable(rest);
-  if (keyword == "TABLEDATA") return TableData(rest);
-  return true;
-}
-
-bool Scanner::NewDatabase(std::string_view rest) {
-  std::string const name(NextWord(&rest, kDatabaseSeparators));
-  std::string_view const word = NextWord(&rest, kDatabaseSeparators);
-  std::string const file(word);
-  if (file.empty()) {
-    return Fail(TW(201), At(), "NEWDATABASE needs a name and a file",
-                "write \"NEWDATABASE name file\"");
+void Scanner::CheckEnd() {
+  if (Lines().HasHiddenRest()) {
+    context_.Warn(TW(236), Lines().AtTextEnd(),
+                  "the script ends at the Ctrl-Z here; what follows is not "
+                  "read",
+                  "take the character out");
   }
-  scan_.databases.push_back(
-      {NameToUtf8(name.c_str()), NameToUtf8(file.c_str()), lines_.EndOf(word)});
-  has_database_ = true;
-  tables_.clear();
-  return true;
-}
-
-bool Scanner::NewTable(std::string_view rest) {
-  std::string_view const table_word = NextWord(&rest, kTableSeparators);
-  std::string const table(table_word);
   if (!has_database_) {
-    return Fail(TW(202), At(keyword_), "NEWTABLE stands before NEWDATABASE",
-                "begin the script with \"NEWDATABASE name file\"");
-  }
-  if (table.empty()) {
-    return Fail(TW(203), At(), "NEWTABLE needs a name",
-                "write \"NEWTABLE name\"");
-  }
-  if (table.size() >= DBDirEntry::kNameSize) {
-    return Fail(TW(204), At(table_word), "the name of the table is too long",
-                "use no more than 63 characters");
-  }
-  if (!tables_.insert(table).second) {
-    return Fail(TW(205), At(table_word),
-                "there is already a table " + NameToUtf8(table.c_str()),
-                "give this one another name");
-  }
-  return Definition(table);
-}
-
-bool Scanner::Definition(std::string const& table) {
-  Place const begin = At(keyword_);
-  std::size_t length = 0;
-  for (;;) {
-    std::string_view line = lines_.Next();
-    std::string_view const name = NextWord(&line, kWordSeparators);
-    if (name == "ENDDEF") return true;
-    std::string_view const type = NextWord(&line, kWordSeparators);
-    if (type.empty() && lines_.AtEnd()) {
-      return Fail(TW(206), begin,
-                  "the definition of table " + NameToUtf8(table.c_str()) +
-                      " does not end",
-                  "put a line \"ENDDEF\" behind its columns");
-    }
-    if (type.empty()) {
-      constexpr char kAdvice[] =
-          "write \"name type\", or end the definition with \"ENDDEF\"";
-      if (name.empty()) {
-        return Fail(TW(208), At(), "an empty line inside a definition",
-                    kAdvice);
-      }
-      return Fail(TW(207), At(), "a column needs a name and a type", kAdvice);
-    }
-    length += name.size() + type.size() + 3;
-    if (length > kMaxDefinitionBytes) {
-      return Fail(TW(209), At(name), "the definition is too long",
-                  "use fewer columns, or shorter names");
-    }
+    context_.Error(TW(215), script_, "there is no statement NEWDATABASE",
+                   "begin it with \"NEWDATABASE name file\"");
+  } else if (!has_table_ && !Scan().databases.empty()) {
+    context_.Warn(TW(240), Scan().databases.back().where,
+                  "the database has no tables, so it cannot be opened",
+                  "define them with NEWTABLE");
   }
 }
 
-bool Scanner::TableData(std::string_view rest) {
-  NextWord(&rest, kWordSeparators);
-  std::string_view const path_word = NextWord(&rest, kWordSeparators);
-  std::string const path(path_word);
+void Scanner::Statement(std::string_view rest) {
+  if (keyword_ == "NEWDATABASE") {
+    NewDatabase(rest);
+  } else if (keyword_ == "NEWTABLE") {
+    NewTable(rest);
+  } else if (keyword_ == "TABLEDATA") {
+    TableData(rest);
+  } else {
+    CheckUnknown();
+  }
+}
+
+void Scanner::CheckUnknown() {
+  if (keyword_ == "ENDDEF") {
+    context_.Note(TW(234), Lines().At(keyword_),
+                  "ENDDEF stands outside a definition and is not read",
+                  "take it out, or see whether a definition ends too early");
+    return;
+  }
+  std::string_view const similar = SimilarKeyword(keyword_);
+  if (similar.empty()) return;
+  context_.Note(TW(234), Lines().At(keyword_),
+                "the line is not read: " + Quoted(keyword_) +
+                    " is no keyword, but looks like " + std::string(similar),
+                "write " + std::string(similar) + " if that is meant");
+}
+
+void Scanner::NewDatabase(std::string_view rest) {
+  std::string_view const name = NextWord(&rest, kDatabaseSeparators);
+  std::string_view const file = NextWord(&rest, kDatabaseSeparators);
+  CheckForgotten();
+  has_database_ = true;
+  has_table_ = false;
+  names_.clear();
+  if (file.empty()) {
+    context_.Error(TW(201), Lines().At(), "NEWDATABASE needs a name and a file",
+                   "write \"NEWDATABASE name file\"");
+    return;
+  }
+  CheckDatabaseName(name);
+  context_.CheckCharacters(file);
+  context_.CheckEncoding(file);
+  context_.CheckRest(rest);
+  std::string const path = NameToUtf8(std::string(file).c_str());
+  if (auto problem = WhyNotReplaced(path)) {
+    context_.Error(problem->code, Lines().At(file), path + ": " + problem->what,
+                   problem->advice);
+  }
+  Scan().databases.push_back({NameToUtf8(std::string(name).c_str()), path,
+                              Lines().EndOf(file), Lines().At(file)});
+}
+
+void Scanner::CheckForgotten() {
+  if (!has_database_ || Scan().databases.empty()) return;
+  context_.Warn(TW(223), Lines().At(keyword_),
+                "the database " + Scan().databases.back().file +
+                    " before this one is forgotten and not written",
+                "make one script for each database");
+}
+
+void Scanner::CheckDatabaseName(std::string_view name) {
+  context_.CheckCharacters(name);
+  context_.CheckEncoding(name);
+  std::string_view const stem = name.substr(0, name.find('.'));
+  if (stem.empty()) {
+    context_.Error(TW(222), Lines().At(name),
+                   "the name of the database is empty before its \".\", which "
+                   "keeps it from being written",
+                   "use a plain word");
+    return;
+  }
+  zWString const wide = zWString::fromLatin1(stem);
+  zWString const known = wide.ToUpper();
+  if (stem.size() < name.size()) {
+    context_.Warn(TW(221), Lines().At(name),
+                  "the database is called " + known.toUtf8() +
+                      ": its name ends before the \".\"",
+                  "write the name without it");
+  } else if (known != wide) {
+    context_.Warn(
+        TW(220), Lines().At(name),
+        "the database is called " + known.toUtf8() + ", in capital letters",
+        "write " + known.toUtf8());
+  }
+}
+
+void Scanner::NewTable(std::string_view rest) {
+  std::string_view const name = NextWord(&rest, kTableSeparators);
+  if (!has_database_) {
+    context_.Error(TW(202), Lines().At(keyword_),
+                   "NEWTABLE stands before NEWDATABASE",
+                   "begin the script with \"NEWDATABASE name file\"");
+    has_database_ = true;  // once is enough
+  }
+  CheckTableName(name);
+  if (!name.empty()) context_.CheckRest(rest);
+  has_table_ = true;
+  ScriptTable table;
+  table.name = name;
+  Place const where = Lines().At(name.empty() ? keyword_ : name);
+  is_line_unused_ = !DefinitionScan(context_, keyword_).Run(&table);
+  if (table.is_sound && table.definition.GetMemorySize() == 0) {
+    context_.Warn(TW(241), where,
+                  "the table has no column that can hold a value, so it takes "
+                  "no rows",
+                  "give it a column of type integer, real or string");
+  }
+  Scan().tables.push_back(std::move(table));
+}
+
+void Scanner::CheckTableName(std::string_view name) {
+  if (name.empty()) {
+    context_.Error(TW(203), Lines().At(), "NEWTABLE needs a name",
+                   "write \"NEWTABLE name\"");
+    return;
+  }
+  context_.CheckCharacters(name);
+  context_.CheckEncoding(name);
+  if (name.size() >= DBDirEntry::kNameSize) {
+    context_.Error(TW(204), Lines().At(name),
+                   "the name of the table is too long",
+                   "use no more than 63 characters");
+  } else if (!names_.insert(std::string(name)).second) {
+    context_.Error(TW(205), Lines().At(name),
+                   "there is already a table " + ScriptToUtf8(name),
+                   "give this one another name");
+  }
+}
+
+void Scanner::TableData(std::string_view rest) {
+  std::string_view const word = NextWord(&rest, kWordSeparators);
+  std::string_view const path = NextWord(&rest, kWordSeparators);
   if (path.empty()) {
-    return Fail(TW(210), At(), "TABLEDATA needs a table and a file",
-                "write \"TABLEDATA table file\"");
+    context_.Error(TW(210), Lines().At(), "TABLEDATA needs a table and a file",
+                   "write \"TABLEDATA table file\"");
+    return;
   }
+  if (!has_table_) {
+    context_.Error(TW(212), Lines().At(keyword_),
+                   "TABLEDATA stands before NEWTABLE",
+                   "define the table first; the data go into the last one");
+  } else {
+    CheckTableWord(word);
+  }
+  context_.CheckRest(rest);
+  if (!CheckDataPath(path) || !has_table_) return;
+  Scan().data.push_back(
+      {Scan().tables.size() - 1, std::string(path), Scan().findings.size()});
+}
+
+// True when it can be read.
+bool Scanner::CheckDataPath(std::string_view path) {
+  context_.CheckCharacters(path);
   if (path.size() > kMaxDataPathBytes) {
-    return Fail(TW(211), At(path_word), "the path of the data file is too long",
-                "use no more than 259 bytes");
+    context_.Error(TW(211), Lines().At(path),
+                   "the path of the data file is too long",
+                   "use no more than 259 bytes");
+    return false;
   }
-  if (tables_.empty()) {
-    return Fail(TW(212), At(keyword_), "TABLEDATA stands before NEWTABLE",
-                "define the table first; the data go into the last one");
+  if (!IsUtf8(path)) {
+    context_.Warn(TW(239), Lines().At(path),
+                  "the path is not UTF-8, so it is not the same file on every "
+                  "system",
+                  "use ASCII letters only, or write it in UTF-8");
   }
-  std::error_code error;
-  if (!std::filesystem::exists(ToPath(path), error)) {
-    return Fail(TW(213), At(path_word),
-                "there is no data file \"" + path + "\"",
-                "paths are relative to the current folder; see the option -C");
+  auto const problem = WhyNotReadable(std::string(path));
+  if (!problem) return true;
+  context_.Error(problem->code, Lines().At(path), problem->what,
+                 problem->advice);
+  return false;
+}
+
+void Scanner::CheckTableWord(std::string_view word) {
+  std::string const& table = Scan().tables.back().name;
+  if (word != table) {
+    context_.Warn(TW(224), Lines().At(word),
+                  "the data go into the table " + ScriptToUtf8(table) +
+                      ", which was defined last, not into " +
+                      ScriptToUtf8(word),
+                  "put the statement behind the definition of its table");
   }
-  if (!std::filesystem::is_regular_file(ToPath(path), error)) {
-    return Fail(TW(214), At(path_word),
-                "the data file \"" + path + "\" is no file",
-                "name a file of table data");
+  if (word == kVersionTable) {
+    context_.Warn(TW(225), Lines().At(word),
+                  "the word VERSION lets the file be read twice, so every row "
+                  "of it is in the table " +
+                      ScriptToUtf8(table) + " twice",
+                  "leave it so if the version is compared; else give table and "
+                  "word another name");
   }
-  return true;
 }
 
 }  // namespace
@@ -286,6 +325,14 @@ std::string ScriptScan::WithEnding(std::string const& ending) const {
     script.insert(it->file_end, ending);
   }
   return script;
+}
+
+Problem const* ScriptScan::Failure() const {
+  auto const error = std::find_if(findings.begin(), findings.end(),
+                                  [](ScriptFinding const& finding) {
+                                    return finding.severity == Severity::kError;
+                                  });
+  return error != findings.end() ? &error->problem : nullptr;
 }
 
 ScriptScan ScanScript(std::string const& script, std::string const& content) {

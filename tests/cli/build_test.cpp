@@ -131,7 +131,8 @@ TEST_F(ToolBuild, ReportsALastLineThatIsNotCarriedOut) {
   auto const run = Run({"build", "a.script"});
   EXPECT_EQ("a.db: built with 1 table, 0 rows\n  T: 0 rows\n", run.out);
   EXPECT_EQ(
-      "a.script:7:24: error[TW216]: the last line is not carried out, because "
+      "a.script:7:24: warning[TW216]: the last line is not carried out, "
+      "because "
       "no "
       "line feed ends it; end the line\n"
       "    7 | TABLEDATA T article.txt\n"
@@ -145,20 +146,71 @@ TEST_F(ToolBuild, ReportsValuesThatWereLeftOut) {
   MakeUnits("article.txt", "1,\"Bolt\",0.25,surplus\n");
   auto const run = Run({"build", "stock.script"});
   EXPECT_EQ(
-      "stock.script: error[TW217]: Number of columns and number of token do "
-      "not "
-      "match in table ARTICLE; values behind the last column were left out; "
-      "correct the data file and build again\n",
+      "article.txt:1:15: warning[TW217]: 4 values for 3 columns: the rest of "
+      "the line is not read; leave it out, or quote a text that has a comma\n"
+      "    1 | 1,\"Bolt\",0.25,surplus\n"
+      "      |               ^~~~~~~\n",
       run.err);
   EXPECT_EQ(1, run.exit_code);
   EXPECT_EQ("[1|Bolt|0.25]", Rows("stock.db", "ARTICLE"));
 }
 
+// The rest of a data file behind a value that cannot be stored.
+TEST_F(ToolBuild, ReportsWhereADataFileWasLeft) {
+  folder_.Make("a.script",
+               "NEWDATABASE A a.db\nNEWTABLE T\nA integer\nB float\nENDDEF\n"
+               "TABLEDATA T a.txt\n");
+  MakeUnits("a.txt", "1\n2,3\n4\n");
+  auto const run = Run({"build", "a.script"});
+  EXPECT_EQ(
+      "a.txt:2:3: warning[TW218]: the column B has no usable type; from here "
+      "on the file is left out; correct it or the definition of the table\n"
+      "    2 | 2,3\n"
+      "      |   ^\n",
+      run.err);
+  EXPECT_EQ(1, run.exit_code);
+  EXPECT_EQ("a.db: built with 1 table, 2 rows\n  T: 2 rows\n", run.out);
+  EXPECT_EQ("", Run({"build", "a.script", "-q"}).err);
+}
+
+TEST_F(ToolBuild, TellsAllErrorsOfAScript) {
+  MakeInput();
+  folder_.Make("a.script",
+               "NEWDATABASE a a.db\nNEWTABLE T\nA\nENDDEF\n"
+               "TABLEDATA T none.txt\n");
+  for (char const* const option : {"--verbose", "--dry-run"}) {
+    auto const run = Run({"build", "a.script", option});
+    EXPECT_EQ(
+        "a.script:3:2: error[TW207]: a column needs a name and a type; write "
+        "\"name type\", or end the definition with \"ENDDEF\"\n"
+        "    3 | A\n"
+        "      |  ^\n"
+        "a.script:5:13: error[TW213]: there is no data file \"none.txt\"; "
+        "paths are relative to the current folder; see the option -C\n"
+        "    5 | TABLEDATA T none.txt\n"
+        "      |             ^~~~~~~~\n",
+        run.err);
+    EXPECT_EQ(1, run.exit_code);
+  }
+}
+
+TEST_F(ToolBuild, TellsAllThatLintFindsWhenAsked) {
+  MakeInput();
+  MakeUnits("article.txt", "1,Bolt,0.25\nx,Nut,1\n");
+  EXPECT_EQ(0, Run({"build", "stock.script"}).exit_code);
+  auto const run = Run({"build", "stock.script", "--lint"});
+  auto const lint = Run({"lint", "stock.script"});
+  EXPECT_EQ(lint.out, run.err + "0 errors, 2 warnings\n");
+  EXPECT_EQ(1, run.exit_code);
+  EXPECT_EQ("[1|Bolt|0.25][0|Nut|1]", Rows("stock.db", "ARTICLE"));
+}
+
 TEST_F(ToolBuild, SaysThatTheFolderOfTheDatabaseIsMissing) {
   EXPECT_EQ(
-      "no/a.db: error[TW115]: its folder \"no\" does not exist; make the "
-      "folder "
-      "first\n",
+      "a.script:1:15: error[TW115]: no/a.db: its folder \"no\" does not "
+      "exist; make the folder first\n"
+      "    1 | NEWDATABASE a no/a.db\n"
+      "      |               ^~~~~~~\n",
       Complaint("NEWDATABASE a no/a.db\nNEWTABLE T\nA integer\nENDDEF\n", 3));
 }
 
@@ -169,7 +221,10 @@ TEST_F(ToolBuild, SaysThatTheDatabaseIsReadOnly) {
   std::string const before = Snapshot();
   auto const run = Run({"build", "stock.script"});
   EXPECT_EQ(
-      "stock.db: error[TW113]: the file is read-only; make it writable first\n",
+      "stock.script:1:19: error[TW113]: stock.db: the file is read-only; make "
+      "it writable first\n"
+      "    1 | NEWDATABASE stock stock.db\n"
+      "      |                   ^~~~~~~~\n",
       run.err);
   EXPECT_EQ(3, run.exit_code);
   EXPECT_EQ(before, Snapshot());
@@ -184,9 +239,10 @@ TEST_F(ToolBuild, SaysThatTheDatabaseIsHeldAndKeepsIt) {
   std::string const before = Snapshot();
   auto const run = Run({"build", "stock.script"});
   EXPECT_EQ(
-      "stock.db: error[TW114]: another process holds the file; close the "
-      "program "
-      "that uses it and try again\n",
+      "stock.script:1:19: error[TW114]: stock.db: another process holds the "
+      "file; close the program that uses it and try again\n"
+      "    1 | NEWDATABASE stock stock.db\n"
+      "      |                   ^~~~~~~~\n",
       run.err);
   EXPECT_EQ(5, run.exit_code);
   EXPECT_EQ(before, Snapshot());
