@@ -25,6 +25,14 @@ constexpr CodeEntry kCodes[] = {
      "text: the ones behind it show with their markers in that language, even "
      "where they have it.",
      "#TS(Bolt¬Schraube)TS~ #TS(long¬lang)TS~"},
+    {530, "language-incomplete", "A language is less complete than it must be",
+     ExitCode::kFindings,
+     "The sections of the texts that are shown in that language are fewer than "
+     "--fail-under asks for.",
+     "tabwerk languages stock.db --cells --format csv -o todo.csv"},
+    {531, "number-of-languages", "The number of languages makes no sense",
+     ExitCode::kUsage, "Languages are numbered from 0 to 32767.",
+     "tabwerk languages stock.db --languages en,de,fr"},
 };
 
 }  // namespace
