@@ -161,5 +161,15 @@ TEST_F(ToolLintJudge, FindsErrorsExactlyWhereTheLibraryDoesNotBuild) {
   EXPECT_LT(kScripts / 5, failed);
 }
 
+// The system's limits, which depend on the folder as well.
+TEST_F(ToolLintJudge, KnowsNamesThatAreTooLong) {
+  for (std::size_t length = 250; length <= 258; ++length) {
+    std::string const script = "NEWDATABASE S " + std::string(length, 'x') +
+                               "\nNEWTABLE T\nA integer\nENDDEF\n";
+    EXPECT_EQ(length > 254 ? "TW115" : "", Found(script)) << length;
+    EXPECT_EQ(length <= 254, Builds(script)) << length;
+  }
+}
+
 }  // namespace
 }  // namespace tabwerk::test

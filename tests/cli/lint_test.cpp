@@ -192,7 +192,6 @@ TEST_F(ToolLint, ShowsTheSourceOfEveryRule) {
   EXPECT_EQ(Expected("lint_rules", found), found);
 }
 
-// A comment, and what the example shows in docs/tool.md.
 TEST_F(ToolLint, FindsNothingInASoundScript) {
   MakeUnits("data.txt", "1,1,\"#TS(Bolt, long¬Bolzen)TS~\",2.5e3\r\n2,2,,-1\n");
   folder_.Make("a.script",
@@ -201,6 +200,17 @@ TEST_F(ToolLint, FindsNothingInASoundScript) {
                "NEWTABLE T\r\nID integer\r\nFOLGE LONG\r\nNAME STRING\r\n"
                "PRICE DOUBLE\r\nENDDEF\r\nTABLEDATA T data.txt\r\n");
   auto const run = RunToLook({"lint", "a.script"});
+  EXPECT_EQ("", run.out + run.err);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolLint, LeavesTheDatabaseThatIsThereAlone) {
+  MakeStock();
+  MakeUnits("data.txt", "1\n");
+  folder_.Make("a.script",
+               "NEWDATABASE S stock.db\nNEWTABLE T\nA integer\nENDDEF\n"
+               "TABLEDATA T data.txt\nNEWDATABASE S STOCK.UDB\n");
+  auto const run = RunToLook({"lint", "a.script", "--ignore", "TW223,TW240"});
   EXPECT_EQ("", run.out + run.err);
   EXPECT_EQ(0, run.exit_code);
 }
