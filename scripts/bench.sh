@@ -11,7 +11,7 @@
 # so that what else the machine does hits all of them.
 #
 # TABWERK_BENCH_ONLY names some of the programs (lookup, open …),
-# TABWERK_BENCH_REPETITIONS how often (9), TABWERK_BUILD_ROOT another folder
+# TABWERK_BENCH_REPETITIONS how often (5), TABWERK_BUILD_ROOT another folder
 # than build/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -52,7 +52,7 @@ for program in ${TABWERK_BENCH_ONLY:-${programs[@]}}; do
     echo "$program, $rows rows" >&2
     "$root/release/bin/${program}_bench" --rows="$rows" \
       --benchmark_filter="$filter" \
-      --benchmark_repetitions="${TABWERK_BENCH_REPETITIONS:-9}" \
+      --benchmark_repetitions="${TABWERK_BENCH_REPETITIONS:-5}" \
       --benchmark_enable_random_interleaving=true \
       --benchmark_min_time=0.02 \
       --benchmark_out="$results/$program-$rows.json" \
