@@ -145,7 +145,8 @@ TEST_F(ToolWriting, DryBuildSaysWhatStandsInTheWay) {
   MakeScript();
   folder_.SetReadOnly("stock.db", true);
   auto const run = Run({"build", "stock.script", "--dry-run"});
-  EXPECT_EQ(0U, run.err.find("stock.db: error[TW113]: ")) << run.err;
+  EXPECT_EQ(0U, run.err.find("stock.script:1:19: error[TW113]: stock.db: "))
+      << run.err;
   EXPECT_EQ(3, run.exit_code);
   folder_.SetReadOnly("stock.db", false);
 }
