@@ -17,7 +17,6 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr std::size_t kTagSize = format::kRecordStart.size();
 constexpr std::size_t kNumbers = 6;
 
 // Walks the list of tables in the bytes that are there.

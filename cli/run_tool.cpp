@@ -116,7 +116,10 @@ int RunTool(std::vector<std::string> arguments) {
   } catch (std::exception const& exception) {
     code = Report({TW(122), "", exception.what(), ""});
   }
-  if (!console::FlushOut() && code == ExitCode::kDone) {
+  // What a command has found is lost as well.
+  bool const is_looked_for =
+      code == ExitCode::kDone || code == ExitCode::kFindings;
+  if (!console::FlushOut() && is_looked_for) {
     code = Report({TW(120), "", "the output could not be written",
                    "check where it goes and the space there"});
   }

@@ -105,6 +105,40 @@ TEST_F(ToolCheck, HasAnExitCodeForEachCase) {
   EXPECT_EQ(5, Run({"check", "stock.db", "STOCK.UDB"}).exit_code);
 }
 
+// In the second file the last row has the ID of the first one.
+TEST_F(ToolCheck, FindsTheOneMistakeInManyRows) {
+  constexpr int kRows = 100000;
+  std::vector<std::string> rows;
+  for (int i = 1; i <= kRows; ++i) {
+    std::string const n = std::to_string(i);
+    rows.push_back(n + "|" + n + "|0|#TS(Part " + n + "¬Teil " + n + ")TS~");
+  }
+  std::string bytes = File(
+      {{"T", "integer ID,integer FOLGE,integer STATUS,string NAME\n", rows}});
+  folder_.WriteBytes("large.db", bytes);
+  EXPECT_EQ("large.db: no mistakes in 1 table with 100000 rows\n",
+            Run({"check", "large.db"}).out);
+  std::size_t const last = bytes.size() - 16;
+  folder_.WriteBytes("large.db", bytes.replace(last, 4, Le32(1)));
+  auto const run = Run({"check", "large.db"});
+  EXPECT_EQ(0U, run.out.find("large.db:@" + std::to_string(last) +
+                             ": warning[TW410]: table T, row 99999 (ID 1), "
+                             "column ID: row 0 has the same ID"))
+      << run.out;
+  EXPECT_EQ(1, run.exit_code);
+}
+
+#ifndef _WIN32
+
+TEST_F(ToolCheckMistakes, AreReportedAsLostOnAFullDisk) {
+  auto const run = RunToolInto("/dev/full", folder_.folder(),
+                               {"check", "stock.db", "--format", "json"});
+  EXPECT_NE(std::string::npos, run.err.find("TW120")) << run.err;
+  EXPECT_EQ(3, run.exit_code);
+}
+
+#endif
+
 // --- Sound files -------------------------------------------------------------
 
 TEST_F(CheckHealth, GoldenFilesHaveNoFindings) {

@@ -1,4 +1,5 @@
 // tabwerk diff.
+#include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <random>
@@ -194,6 +195,36 @@ TEST_F(ToolDiff, TheExampleIsTheSameAsItself) {
   EXPECT_EQ("geo.db and geo.db: no differences in 4 tables\n",
             Run({"diff", "geo.db", "geo.db"}).out);
 }
+
+TEST_F(ToolDiff, FindsTheOneDifferenceInManyRows) {
+  constexpr int kRows = 100000;
+  std::vector<std::string> rows;
+  for (int i = 1; i <= kRows; ++i) {
+    std::string const n = std::to_string(i);
+    rows.push_back(n + "|" + n + "|0|#TS(Part " + n + "¬Teil " + n + ")TS~|1");
+  }
+  Make("a.db", {{"T", kDefinition, rows}});
+  rows[70000] = "70001|70001|0|#TS(Part 70001¬Stück)TS~|1";
+  std::reverse(rows.begin(), rows.end());
+  Make("b.db", {{"T", kDefinition, rows}});
+  EXPECT_EQ(
+      "--- a.db\n+++ b.db\n\ntable T\n"
+      "~ ID 70001: NAME, language 1: \"Teil 70001\" -> \"Stück\"\n"
+      "  1 row changed, 99999 rows the same\n\n1 of 1 table differs\n",
+      Run({"diff", "a.db", "b.db"}).out);
+}
+
+#ifndef _WIN32
+
+TEST_F(ToolDiff, SaysThatTheOutputIsLost) {
+  MakePair();
+  auto const run =
+      RunToolInto("/dev/full", folder_.folder(), {"diff", "a.db", "b.db"});
+  EXPECT_NE(std::string::npos, run.err.find("TW120")) << run.err;
+  EXPECT_EQ(3, run.exit_code);
+}
+
+#endif
 
 // --- Random tables against plain maps ----------------------------------------
 
