@@ -43,7 +43,7 @@ ordered_json JsonOf(DatabaseFiles const& files) {
   return json;
 }
 
-ordered_json JsonOf(CellChange const& cell) {
+ordered_json JsonOf(CellDifference const& cell) {
   ordered_json json = {{"column", cell.column}};
   if (cell.section) json["section"] = *cell.section;
   if (cell.language) json["language"] = *cell.language;
@@ -67,12 +67,12 @@ ordered_json JsonOf(RowChange const& row) {
   if (row.occurrence > 1) json["occurrence"] = row.occurrence;
   if (row.change == Change::kChanged) {
     ordered_json cells = ordered_json::array();
-    for (CellChange const& cell : row.cells) cells.push_back(JsonOf(cell));
+    for (CellDifference const& cell : row.cells) cells.push_back(JsonOf(cell));
     json["cells"] = std::move(cells);
     return json;
   }
   ordered_json values = ordered_json::object();
-  for (NamedCell const& it : row.values) values[it.column] = JsonOf(it.value);
+  for (ColumnCell const& it : row.values) values[it.column] = JsonOf(it.value);
   json["values"] = std::move(values);
   return json;
 }

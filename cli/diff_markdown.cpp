@@ -48,12 +48,12 @@ class DiffMarkdown : public DiffOut {
       has_rows_ = true;
     }
     std::string const label = RowLabel(table_, row);
-    for (CellChange const& cell : row.cells) {
+    for (CellDifference const& cell : row.cells) {
       rows_->Add({ChangeMark(row.change), label, CellLabel(cell), cell.before,
                   cell.after});
     }
     bool const is_added = row.change == Change::kAdded;
-    for (NamedCell const& it : row.values) {
+    for (ColumnCell const& it : row.values) {
       rows_->Add({ChangeMark(row.change), label, it.column,
                   is_added ? Cell() : it.value, is_added ? it.value : Cell()});
     }

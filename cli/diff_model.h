@@ -24,7 +24,7 @@ struct ColumnChange {
 };
 
 // A value, or a piece of a text in one language.
-struct CellChange {
+struct CellDifference {
   std::string column;
   std::optional<std::size_t> language;  // from 0
   std::optional<std::size_t> section;   // from 1, where a text has several
@@ -32,17 +32,17 @@ struct CellChange {
   Cell after;
 };
 
-struct NamedCell {
+struct ColumnCell {
   std::string column;
   Cell value;
 };
 
 struct RowChange {
   Change change;
-  std::int64_t key;               // ID, or number of the row from 0
-  int occurrence;                 // of rows with one ID, from 1
-  std::vector<CellChange> cells;  // of a changed row
-  std::vector<NamedCell> values;  // of another one
+  std::int64_t key;                   // ID, or number of the row from 0
+  int occurrence;                     // of rows with one ID, from 1
+  std::vector<CellDifference> cells;  // of a changed row
+  std::vector<ColumnCell> values;     // of another one
 };
 
 // What a table is called and how its rows are told apart.

@@ -25,7 +25,7 @@ std::string FilesText(DatabaseFiles const& files);
 // "ID 8", "row 3"; "ID 8 (number 2)" for the second row of that ID.
 std::string RowLabel(TableChange const& table, RowChange const& row);
 // "NAME", "NAME, language 1", "NAME, section 2, language 1".
-std::string CellLabel(CellChange const& cell);
+std::string CellLabel(CellDifference const& cell);
 // "3 rows changed, 1 row removed, 253 rows the same".
 std::string CountsText(ChangeCounts const& counts);
 

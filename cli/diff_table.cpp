@@ -190,9 +190,9 @@ class TableComparison {
            counts_.changed + counts_.removed + counts_.added <= *options_.limit;
   }
 
-  static std::vector<NamedCell> ValuesOf(
+  static std::vector<ColumnCell> ValuesOf(
       SnapshotRow const& row, std::vector<DiffColumn> const& columns) {
-    std::vector<NamedCell> values;
+    std::vector<ColumnCell> values;
     for (DiffColumn const& column : columns) {
       values.push_back({column.name, ValueOf(row, column.field->type,
                                              column.field->offset)});

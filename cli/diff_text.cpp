@@ -60,14 +60,14 @@ class DiffText : public DiffOut {
 
   void Row(RowChange const& row) override {
     std::string const label = RowLabel(table_, row);
-    for (CellChange const& cell : row.cells) {
+    for (CellDifference const& cell : row.cells) {
       Line(row.change,
            fmt::format("{}: {}: {} -> {}", label, Escape(CellLabel(cell)),
                        Shown(cell.before), Shown(cell.after)));
     }
     if (row.change == Change::kChanged) return;
     std::string values;
-    for (NamedCell const& it : row.values) {
+    for (ColumnCell const& it : row.values) {
       if (!values.empty()) values += ", ";
       values += Escape(it.column) + " " + Shown(it.value);
     }
@@ -137,7 +137,7 @@ std::string RowLabel(TableChange const& table, RowChange const& row) {
   return label;
 }
 
-std::string CellLabel(CellChange const& cell) {
+std::string CellLabel(CellDifference const& cell) {
   std::string label = cell.column;
   if (cell.section) label += fmt::format(", section {}", *cell.section);
   if (cell.language) label += fmt::format(", language {}", *cell.language);

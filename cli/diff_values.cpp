@@ -54,10 +54,10 @@ bool SameValues(SnapshotRow const& before, SnapshotRow const& after,
                      });
 }
 
-std::vector<CellChange> ChangedCells(SnapshotRow const& before,
-                                     SnapshotRow const& after,
-                                     std::vector<ColumnPair> const& columns) {
-  std::vector<CellChange> cells;
+std::vector<CellDifference> ChangedCells(
+    SnapshotRow const& before, SnapshotRow const& after,
+    std::vector<ColumnPair> const& columns) {
+  std::vector<CellDifference> cells;
   for (ColumnPair const& column : columns) {
     if (SameValue(before, after, column)) continue;
     if (column.type == DBTypeString) {
@@ -76,21 +76,21 @@ std::vector<CellChange> ChangedCells(SnapshotRow const& before,
   return cells;
 }
 
-std::vector<CellChange> ChangedPieces(std::string const& column,
-                                      std::u16string_view before,
-                                      std::u16string_view after) {
+std::vector<CellDifference> ChangedPieces(std::string const& column,
+                                          std::u16string_view before,
+                                          std::u16string_view after) {
   auto const sections_before = MarkedSections(before);
   auto const sections_after = MarkedSections(after);
   if (!SameFrame(before, after, sections_before, sections_after)) {
     return {{column, {}, {}, TextCell(before), TextCell(after)}};
   }
-  std::vector<CellChange> changes;
+  std::vector<CellDifference> changes;
   for (std::size_t i = 0; i < sections_before.size(); ++i) {
     auto const& old_pieces = sections_before[i].pieces;
     auto const& new_pieces = sections_after[i].pieces;
     std::size_t const count = std::max(old_pieces.size(), new_pieces.size());
     for (std::size_t language = 0; language < count; ++language) {
-      CellChange change{column, language, {}, {}, {}};
+      CellDifference change{column, language, {}, {}, {}};
       if (sections_before.size() > 1) change.section = i + 1;
       if (language < old_pieces.size()) {
         change.before = TextCell(old_pieces[language]);

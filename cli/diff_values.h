@@ -26,15 +26,15 @@ bool SameValues(SnapshotRow const& before, SnapshotRow const& after,
                 std::vector<ColumnPair> const& columns);
 
 // What differs between them.
-std::vector<CellChange> ChangedCells(SnapshotRow const& before,
-                                     SnapshotRow const& after,
-                                     std::vector<ColumnPair> const& columns);
+std::vector<CellDifference> ChangedCells(
+    SnapshotRow const& before, SnapshotRow const& after,
+    std::vector<ColumnPair> const& columns);
 
 // What differs between two texts: where only pieces of their sections for
 // several languages do, these; else the whole text.
-std::vector<CellChange> ChangedPieces(std::string const& column,
-                                      std::u16string_view before,
-                                      std::u16string_view after);
+std::vector<CellDifference> ChangedPieces(std::string const& column,
+                                          std::u16string_view before,
+                                          std::u16string_view after);
 
 // The value as it is stored; texts with all their languages.
 Cell ValueOf(SnapshotRow const& row, DBType type, std::int32_t offset);

@@ -67,15 +67,15 @@ bool RowLint::CheckPiece() {
     ++*rows_;
     return true;
   }
-  std::vector<DataValue> const values = Split(lines_.Piece());
+  std::vector<SplitValue> const values = Split(lines_.Piece());
   return values.empty() || CheckRow(values);
 }
 
-std::vector<DataValue> RowLint::Split(std::u16string_view line) {
+std::vector<SplitValue> RowLint::Split(std::u16string_view line) {
   std::wstring units;
   units.reserve(line.size());
   for (char16_t const unit : line) units += static_cast<wchar_t>(unit);
-  std::vector<DataValue> values;
+  std::vector<SplitValue> values;
   std::size_t const begin = line.find_first_not_of(u" \t");
   wchar_t const* const first =
       tokenizer_.GetNextToken(units.data(), kSeparator);
@@ -87,7 +87,7 @@ std::vector<DataValue> RowLint::Split(std::u16string_view line) {
   return values;
 }
 
-bool RowLint::CheckRow(std::vector<DataValue> const& values) {
+bool RowLint::CheckRow(std::vector<SplitValue> const& values) {
   is_open_ = false;
   if (!CheckFirst(values.front())) return false;
   for (std::size_t i = 0; i < values.size() && i < fields_.size(); ++i) {
@@ -97,7 +97,7 @@ bool RowLint::CheckRow(std::vector<DataValue> const& values) {
   return true;
 }
 
-bool RowLint::CheckFirst(DataValue const& first) {
+bool RowLint::CheckFirst(SplitValue const& first) {
   goes_on_ = first.text.empty();
   if (goes_on_) {
     if (*rows_ == 0) {
@@ -118,7 +118,7 @@ bool RowLint::CheckFirst(DataValue const& first) {
   return true;
 }
 
-bool RowLint::LeaveOutRest(DataValue const& value,
+bool RowLint::LeaveOutRest(SplitValue const& value,
                            std::string const& why) const {
   Warn(TW(218), lines_.At(value.offset, value.text.size()),
        why + "; from here on the file is left out",
@@ -126,7 +126,7 @@ bool RowLint::LeaveOutRest(DataValue const& value,
   return false;
 }
 
-bool RowLint::CheckValue(DBFeld const& field, DataValue const& value) {
+bool RowLint::CheckValue(DBFeld const& field, SplitValue const& value) {
   switch (field.type) {
     case DBTypeInteger:
       CheckInteger(field, value);
@@ -144,10 +144,10 @@ bool RowLint::CheckValue(DBFeld const& field, DataValue const& value) {
       value, "the column " + ScriptToUtf8(field.name) + " has no usable type");
 }
 
-void RowLint::CheckCount(std::vector<DataValue> const& values) const {
+void RowLint::CheckCount(std::vector<SplitValue> const& values) const {
   if (values.size() > fields_.size()) {
-    DataValue const& surplus = values[fields_.size()];
-    DataValue const& last = values.back();
+    SplitValue const& surplus = values[fields_.size()];
+    SplitValue const& last = values.back();
     Warn(TW(217),
          lines_.At(surplus.offset,
                    last.offset + last.text.size() - surplus.offset),
@@ -159,7 +159,7 @@ void RowLint::CheckCount(std::vector<DataValue> const& values) const {
   }
   if (is_open_) return;
   // A comma at the end says that the last value is left empty.
-  DataValue const& last = values.back();
+  SplitValue const& last = values.back();
   std::size_t const end = last.offset + last.text.size();
   std::size_t const given =
       values.size() + (end < lines_.Piece().size() ? 1 : 0);
@@ -171,7 +171,7 @@ void RowLint::CheckCount(std::vector<DataValue> const& values) const {
        "write all values, empty ones as nothing between commas");
 }
 
-void RowLint::CheckInteger(DBFeld const& field, DataValue const& value) {
+void RowLint::CheckInteger(DBFeld const& field, SplitValue const& value) {
   std::int32_t number = 0;
   NumberText const text = tool::CheckInteger(value.text, &number);
   if (text != NumberText::kWhole && text != NumberText::kEmpty) {
@@ -183,14 +183,14 @@ void RowLint::CheckInteger(DBFeld const& field, DataValue const& value) {
   if (&field == folge_) AddFolge(number, value);
 }
 
-void RowLint::CheckReal(DataValue const& value) const {
+void RowLint::CheckReal(SplitValue const& value) const {
   NumberText const text = tool::CheckReal(value.text);
   if (text == NumberText::kWhole || text == NumberText::kEmpty) return;
   ReportNumber(value, false, text == NumberText::kTooLarge,
                text == NumberText::kNone ? "0" : "what it begins with");
 }
 
-void RowLint::ReportNumber(DataValue const& value, bool is_integer,
+void RowLint::ReportNumber(SplitValue const& value, bool is_integer,
                            bool is_too_large, std::string const& read) const {
   Place const place = lines_.At(value.offset, value.text.size());
   if (is_too_large) {
@@ -213,11 +213,11 @@ void RowLint::ReportNumber(DataValue const& value, bool is_integer,
                       "be");
 }
 
-RowPlace RowLint::RowPlaceOf(DataValue const& value) const {
+RowPlace RowLint::RowPlaceOf(SplitValue const& value) const {
   return {file_, lines_.Remember(value.offset, value.text.size())};
 }
 
-void RowLint::AddId(std::int32_t id, DataValue const& value) {
+void RowLint::AddId(std::int32_t id, SplitValue const& value) {
   auto const before = numbers_->AddId(id, RowPlaceOf(value));
   if (before) {
     ReportTwice(TW(261), value, *before,
@@ -225,7 +225,7 @@ void RowLint::AddId(std::int32_t id, DataValue const& value) {
   }
 }
 
-void RowLint::AddFolge(std::int32_t folge, DataValue const& value) {
+void RowLint::AddFolge(std::int32_t folge, SplitValue const& value) {
   auto const before = numbers_->AddFolge(folge, RowPlaceOf(value));
   if (before) {
     ReportTwice(TW(263), value, *before,
@@ -237,7 +237,7 @@ void RowLint::AddFolge(std::int32_t folge, DataValue const& value) {
   }
 }
 
-void RowLint::ReportTwice(Code code, DataValue const& value,
+void RowLint::ReportTwice(Code code, SplitValue const& value,
                           RowPlace const& before,
                           std::string const& what) const {
   std::string const where =

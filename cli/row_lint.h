@@ -14,7 +14,7 @@
 namespace tabwerk::tool {
 
 // A value of a line; offsets and lengths in units of its piece.
-struct DataValue {
+struct SplitValue {
   std::size_t offset;
   std::u16string_view text;
 };
@@ -32,29 +32,29 @@ class RowLint {
   void Warn(Code code, Place where, std::string what, std::string advice) const;
   // False where the library leaves out the rest of the file.
   bool CheckPiece();
-  bool CheckRow(std::vector<DataValue> const& values);
-  bool CheckFirst(DataValue const& first);
-  bool CheckValue(DBFeld const& field, DataValue const& value);
-  void CheckCount(std::vector<DataValue> const& values) const;
-  void CheckInteger(DBFeld const& field, DataValue const& value);
-  void CheckReal(DataValue const& value) const;
-  void ReportNumber(DataValue const& value, bool is_integer, bool is_too_large,
+  bool CheckRow(std::vector<SplitValue> const& values);
+  bool CheckFirst(SplitValue const& first);
+  bool CheckValue(DBFeld const& field, SplitValue const& value);
+  void CheckCount(std::vector<SplitValue> const& values) const;
+  void CheckInteger(DBFeld const& field, SplitValue const& value);
+  void CheckReal(SplitValue const& value) const;
+  void ReportNumber(SplitValue const& value, bool is_integer, bool is_too_large,
                     std::string const& read) const;
-  RowPlace RowPlaceOf(DataValue const& value) const;
-  void AddId(std::int32_t id, DataValue const& value);
-  void AddFolge(std::int32_t folge, DataValue const& value);
-  void ReportTwice(Code code, DataValue const& value, RowPlace const& before,
+  RowPlace RowPlaceOf(SplitValue const& value) const;
+  void AddId(std::int32_t id, SplitValue const& value);
+  void AddFolge(std::int32_t folge, SplitValue const& value);
+  void ReportTwice(Code code, SplitValue const& value, RowPlace const& before,
                    std::string const& what) const;
-  void CheckText(DataValue const& value);
-  void CheckQuotes(DataValue const& value);
-  void CheckSections(DataValue const& value);
-  bool LeaveOutRest(DataValue const& value, std::string const& why) const;
+  void CheckText(SplitValue const& value);
+  void CheckQuotes(SplitValue const& value);
+  void CheckSections(SplitValue const& value);
+  bool LeaveOutRest(SplitValue const& value, std::string const& why) const;
 
   void CheckCharacters() const;
   void CheckHalfCharacters() const;
   void CheckLongLine();
   // The values of a line, as the library's tokenizer hands them out.
-  std::vector<DataValue> Split(std::u16string_view line);
+  std::vector<SplitValue> Split(std::u16string_view line);
 
   ScriptTable const& table_;
   DataLines& lines_;

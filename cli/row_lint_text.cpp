@@ -56,7 +56,7 @@ void RowLint::CheckLongLine() {
        "the line is longer than 4,095 characters; from here on it is read as "
        "another row",
        "shorten its texts");
-  for (DataValue const& value :
+  for (SplitValue const& value :
        Split(lines_.Line().substr(0, kMaxTokenizedUnits))) {
     if (value.text.size() <= format::kMaxTextUnits) continue;
     Warn(TW(256), lines_.At(value.offset),
@@ -65,12 +65,12 @@ void RowLint::CheckLongLine() {
   }
 }
 
-void RowLint::CheckText(DataValue const& value) {
+void RowLint::CheckText(SplitValue const& value) {
   CheckSections(value);
   CheckQuotes(value);
 }
 
-void RowLint::CheckQuotes(DataValue const& value) {
+void RowLint::CheckQuotes(SplitValue const& value) {
   std::u16string_view const text = value.text;
   if (std::count(text.begin(), text.end(), u'"') % 2 != 0) {
     is_open_ = true;
@@ -87,7 +87,7 @@ void RowLint::CheckQuotes(DataValue const& value) {
   }
 }
 
-void RowLint::CheckSections(DataValue const& value) {
+void RowLint::CheckSections(SplitValue const& value) {
   std::u16string_view const text = value.text;
   std::size_t at = 0;
   for (;;) {

@@ -22,9 +22,17 @@ class Validator {
   std::string const& Faults() const { return faults_; }
 
   void Check(json const& value, json const& schema, std::string const& path) {
-    static std::set<std::string> const known = {
-        "$schema", "title", "description", "type",     "enum",
-        "minimum", "items", "properties",  "required", "additionalProperties"};
+    static std::set<std::string> const known = {"$schema",
+                                                "title",
+                                                "description",
+                                                "type",
+                                                "enum",
+                                                "minimum",
+                                                "maximum",
+                                                "items",
+                                                "properties",
+                                                "required",
+                                                "additionalProperties"};
     for (auto const& [word, unused] : schema.items()) {
       if (!known.contains(word)) Fault(path, "unknown word " + word);
     }
@@ -58,8 +66,9 @@ class Validator {
             schema["enum"].end()) {
       Fault(path, "is " + value.dump());
     }
-    if (schema.contains("minimum") && value.is_number() &&
-        value < schema["minimum"]) {
+    if (!value.is_number()) return;
+    if ((schema.contains("minimum") && value < schema["minimum"]) ||
+        (schema.contains("maximum") && value > schema["maximum"])) {
       Fault(path, "is " + value.dump());
     }
   }

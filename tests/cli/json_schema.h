@@ -8,8 +8,8 @@ namespace tabwerk::test {
 
 // What a text of JSON has that docs/schema/NAME.json does not allow, a line for
 // each; empty when it is as described.  Knows the words type, enum, minimum,
-// items, properties, required and additionalProperties; any other word of a
-// schema that could forbid something is reported as well.
+// maximum, items, properties, required and additionalProperties; any other word
+// of a schema that could forbid something is reported as well.
 std::string AgainstSchema(std::string const& name, std::string const& text);
 
 }  // namespace tabwerk::test
