@@ -206,6 +206,7 @@ bool ReplaceIndex(zWString const& path, DBDirectory const& directory,
   auto const stamps = tabwerk::TimeStamps(directory);
   // Nothing that needs memory may follow the move.
   std::vector<zWString> older;
+  older.reserve(stamps.size());
   for (auto const stamp : stamps) {
     older.push_back(tabwerk::PendingIndexPath(path, stamp));
   }
