@@ -158,7 +158,10 @@ void ReadBytes(std::FILE* stream, bool all, FileImage* image) {
   constexpr std::int64_t kFirstBytes = 1 << 16;
   std::int64_t wanted = all ? image->size_bytes : kFirstBytes;
   for (;;) {
-    std::fseek(stream, static_cast<long>(image->bytes.size()), SEEK_SET);
+    if (std::fseek(stream, static_cast<long>(image->bytes.size()), SEEK_SET) !=
+        0) {
+      return;
+    }
     bool const grew = Append(stream, wanted, &image->bytes);
     ReadHeaderOf(stream, image);
     ListWalk(*image, static_cast<std::size_t>(image->header_bytes)).Run();

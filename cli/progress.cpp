@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -48,7 +49,7 @@ std::string ProgressLine(std::string const& text, long long done,
       auto const left = static_cast<double>(total - done) / rate;
       line += fmt::format("  {} {}s/s, {} left",
                           Grouped(static_cast<long long>(rate)), unit,
-                          Duration(static_cast<long long>(left + 0.5)));
+                          Duration(std::llround(left)));
     }
   }
   // A line that fills the last column would go on in the next one.

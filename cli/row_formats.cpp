@@ -23,6 +23,7 @@ class Delimited : public RowFormat {
 
   void Begin(std::vector<ColumnHead> const& columns) override {
     std::vector<Cell> names;
+    names.reserve(columns.size());
     for (ColumnHead const& column : columns) names.emplace_back(column.name);
     Add(names);
   }

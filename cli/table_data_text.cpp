@@ -1,10 +1,10 @@
 #include "cli/table_data_text.h"
 
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
 #include "cli/text.h"
@@ -99,7 +99,8 @@ std::optional<std::u16string> RealText(double value) {
   if (std::isnan(value)) {
     // Of the many there are, text stands for this one.
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    bool const same = std::memcmp(&value, &kNan, sizeof value) == 0;
+    bool const same = std::bit_cast<std::uint64_t>(value) ==
+                      std::bit_cast<std::uint64_t>(kNan);
     return same ? std::optional(std::u16string(u"nan")) : std::nullopt;
   }
   std::array<char, 32> buffer;
