@@ -1,6 +1,7 @@
 #!/bin/bash
-# cppcheck over the library and the tool.  What it says and is not followed
-# stands in cmake/cppcheck.txt with the reasons.
+# cppcheck over the library and the tool, and clang-tidy over the tool; that
+# over the library belongs to scripts/test.sh.  What cppcheck says and is not
+# followed stands in cmake/cppcheck.txt with the reasons.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh
@@ -16,3 +17,11 @@ cppcheck --enable=warning,performance,portability --std=c++20 -q \
 files=$(find "${folders[@]}" -name '*.cpp' | wc -l)
 echo "[ SWEEP    ] cppcheck: no findings in $files source files," \
   "$(grep -c '^[a-z].*:' cmake/cppcheck.txt) argued"
+
+cmake --preset tidy -B "$root/tidy" >/dev/null
+if cmake --build "$root/tidy" --target tidy_tool >"$root/cppcheck/tidy.log" 2>&1; then
+  echo "[ SWEEP    ] clang-tidy over the tool: no findings"
+else
+  grep 'error:' "$root/cppcheck/tidy.log" | sort -u
+  exit 1
+fi
