@@ -45,18 +45,4 @@ DBFeld const* DiffId(SnapshotTable const& table, DiffOptions const& options) {
   return field->type == DBTypeInteger ? field : nullptr;
 }
 
-char const* TypeWord(DBType type) {
-  switch (type) {
-    case DBTypeReal:
-      return "real";
-    case DBTypeInteger:
-      return "integer";
-    case DBTypeString:
-      return "string";
-    case DBTypeUnknown:
-      break;
-  }
-  return "unknown";
-}
-
 }  // namespace tabwerk::tool

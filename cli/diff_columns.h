@@ -34,9 +34,6 @@ std::vector<DiffColumn> DiffColumns(SnapshotTable const& table,
 // The column that rows are told apart by; null when there is none.
 DBFeld const* DiffId(SnapshotTable const& table, DiffOptions const& options);
 
-// "integer".
-char const* TypeWord(DBType type);
-
 }  // namespace tabwerk::tool
 
 #endif  // TABWERK_CLI_DIFF_COLUMNS_H

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/diff_values.h"
+#include "cli/table_list.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -82,7 +83,7 @@ class TableComparison {
       DBType const type = column.field->type;
       if (found == rest.end()) {
         head_.columns.push_back(
-            {Change::kRemoved, column.name, TypeWord(type), ""});
+            {Change::kRemoved, column.name, TypeName(type), ""});
         continue;
       }
       DBFeld const& partner = *columns_after_[found->second].field;
@@ -92,15 +93,15 @@ class TableComparison {
         pairs_.push_back(
             {column.name, type, column.field->offset, partner.offset});
       } else {
-        head_.columns.push_back({Change::kChanged, column.name, TypeWord(type),
-                                 TypeWord(partner.type)});
+        head_.columns.push_back({Change::kChanged, column.name, TypeName(type),
+                                 TypeName(partner.type)});
       }
     }
     head_.reordered = !std::is_sorted(places.begin(), places.end());
     for (DiffColumn const& column : columns_after_) {
       if (!rest.contains(column.name)) continue;
       head_.columns.push_back(
-          {Change::kAdded, column.name, "", TypeWord(column.field->type)});
+          {Change::kAdded, column.name, "", TypeName(column.field->type)});
     }
   }
 
@@ -230,7 +231,7 @@ void HandOutLoneTable(SnapshotTable const& table, Change change,
   bool const is_added = change == Change::kAdded;
   (is_added ? head.rows_after : head.rows_before) = table.RowCount();
   for (DiffColumn const& column : DiffColumns(table, options)) {
-    char const* const type = TypeWord(column.field->type);
+    char const* const type = TypeName(column.field->type);
     head.columns.push_back(
         {change, column.name, is_added ? "" : type, is_added ? type : ""});
   }

@@ -15,6 +15,7 @@
 #include "cli/progress.h"
 #include "cli/session.h"
 #include "cli/table_data_text.h"
+#include "cli/table_list.h"
 #include "cli/text.h"
 #include "schema/container.h"
 #include "schema/format.h"
@@ -39,20 +40,6 @@ std::string Lower(std::string text) {
     if (it >= 'A' && it <= 'Z') it = static_cast<char>(it - 'A' + 'a');
   }
   return text;
-}
-
-char const* TypeWord(DBType type) {
-  switch (type) {
-    case DBTypeReal:
-      return "real";
-    case DBTypeInteger:
-      return "integer";
-    case DBTypeString:
-      return "string";
-    case DBTypeUnknown:
-      break;
-  }
-  return "unknown";
 }
 
 // A word of a script: what ends it cannot stand in it.
@@ -111,8 +98,8 @@ std::string TableExport::Definition() {
                  "\": its name is no word of a definition",
              kNameAdvice);
     }
-    lines += column + " " + TypeWord(field->type) + "\n";
-    text += (text.empty() ? "" : ", ") + std::string(TypeWord(field->type)) +
+    lines += column + " " + TypeName(field->type) + "\n";
+    text += (text.empty() ? "" : ", ") + std::string(TypeName(field->type)) +
             " " + column;
   }
   std::string stored;
