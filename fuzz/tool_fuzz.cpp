@@ -1,6 +1,7 @@
 // Any command line with the files that it names and any standard input: the
 // tool ends with one of its exit codes, says why when it fails, and leaves
 // nothing but what the command is for.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -62,10 +63,19 @@ std::vector<std::string> Arguments(std::string const& text) {
   return arguments;
 }
 
+// Rows may come out into any file, a database included.
+bool NamesAnOutput(std::string const& argument) {
+  return argument.starts_with("-o") || argument.starts_with("--o");
+}
+
 bool OnlyLooks(std::vector<std::string> const& arguments) {
-  if (arguments.empty()) return true;
-  auto const& command = arguments.front();
-  return command == "info" || command == "show" || command == "dump";
+  constexpr std::string_view kWrite[] = {"activate", "add",        "build",
+                                         "convert",  "deactivate", "export",
+                                         "import",   "move",       "set"};
+  return std::ranges::none_of(arguments, NamesAnOutput) &&
+         std::ranges::none_of(arguments, [&](std::string const& argument) {
+           return std::ranges::find(kWrite, argument) != std::end(kWrite);
+         });
 }
 
 bool IsDatabaseFile(std::string const& name) {
