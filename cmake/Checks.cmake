@@ -5,6 +5,28 @@
 
 # --- Every header compiles alone: tabwerk_lone_headers --------------------
 
+# Removes from a list of headers those that compile alone anyway: each has a
+# guard, and a source of its name includes it before anything else.
+function(tabwerk_drop_headers_with_sources list)
+  set(left)
+  foreach(header IN LISTS ${list})
+    cmake_path(REPLACE_EXTENSION header LAST_ONLY cpp OUTPUT_VARIABLE source)
+    cmake_path(GET header FILENAME name)
+    set(first "")
+    if(EXISTS "${source}")
+      file(STRINGS "${source}" first REGEX "^#include" LIMIT_COUNT 1)
+    endif()
+    file(STRINGS "${header}" guard REGEX "^#(ifndef|define) TABWERK_[A-Z_]+_H$"
+      LIMIT_COUNT 2)
+    list(LENGTH guard guard_lines)
+    if(NOT first MATCHES "^#include \"([a-z_]+/)*${name}\"" OR
+       NOT guard_lines EQUAL 2)
+      list(APPEND left "${header}")
+    endif()
+  endforeach()
+  set(${list} ${left} PARENT_SCOPE)
+endfunction()
+
 # Makes an object library of one file per header that includes nothing else
 # (and that twice, for the guard).
 function(tabwerk_lone_header_library name standard)
@@ -48,6 +70,7 @@ function(tabwerk_add_header_checks)
     endforeach()
     list(FILTER headers EXCLUDE REGEX "_windows\\.h$")
   endif()
+  tabwerk_drop_headers_with_sources(headers)
   tabwerk_lone_header_library(tabwerk_lone_headers_cxx20 20 ${headers})
   target_include_directories(tabwerk_lone_headers_cxx20 PRIVATE
     "${PROJECT_SOURCE_DIR}")
