@@ -24,6 +24,7 @@ function(tabwerk_add_objects name)
   target_include_directories(${name} PRIVATE
     "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_compile_definitions(${name} PRIVATE TABWERK_BUILDING)
+  target_compile_options(${name} PRIVATE ${TABWERK_LIBRARY_OPTIONS})
   set_target_properties(${name} PROPERTIES
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden

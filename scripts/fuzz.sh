@@ -62,8 +62,8 @@ export UBSAN_OPTIONS=print_stacktrace=1
 
 build() {
   local log=$root/logs/fuzz-build.log
-  cmake --preset fuzz -B "$root/fuzz" >"$log" 2>&1 &&
-    cmake --build "$root/fuzz" -j "$(nproc)" \
+  cmake --preset asan -B "$root/asan" >"$log" 2>&1 &&
+    cmake --build "$root/asan" -j "$(nproc)" \
       --target "${targets[@]/%/_fuzz}" -- --quiet >>"$log" 2>&1 ||
     { tail -n 40 "$log"; return 1; }
 }
@@ -101,7 +101,7 @@ fuzz() {
   # The tool's own output would hide the fuzzer's.
   [ "$name" != tool ] || options+=(-close_fd_mask=3)
   rm -f "$run/finds/$name-"*
-  "$root/fuzz/bin/${name}_fuzz" "${options[@]}" "$folder/$new" \
+  "$root/asan/bin/${name}_fuzz" "${options[@]}" "$folder/$new" \
     "${corpora[@]}" >"$folder/log" 2>&1
   echo $? >"$folder/exit_code"
 }
@@ -123,7 +123,7 @@ report() {
   fi
   for find in "${finds[@]}"; do
     echo "found: $find"
-    timeout 60 "$root/fuzz/bin/${name}_fuzz" "$find" 2>&1 |
+    timeout 60 "$root/asan/bin/${name}_fuzz" "$find" 2>&1 |
       grep -a -E -m 4 -A 12 '^(does not hold|expected|.*ERROR:|.*runtime error:)' |
       cut -c 1-200
   done
@@ -161,7 +161,7 @@ merge() {
   rm -rf "$folder"
   mkdir -p "$folder" "$run/$name/corpus"
   cp "$corpus"/* "$folder/"
-  "$root/fuzz/bin/${name}_fuzz" -merge=1 -max_len=4096 "$folder" \
+  "$root/asan/bin/${name}_fuzz" -merge=1 -max_len=4096 "$folder" \
     "$run/$name/corpus" >"$run/$name/merge.log" 2>&1 || return 1
   for file in $(new_in "$folder" "$corpus"); do
     bytes=$(cat "$corpus"/* "$folder/$file" | wc -c)

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs what is missing, then builds and tests everything:
 #
-#   scripts/test.sh              all steps but fuzz
+#   scripts/test.sh              all steps
 #   scripts/test.sh STEP...      some of them
 #
 #   dev     Linux, g++: tests, checks of the sources and the built library,
@@ -10,8 +10,8 @@
 #           behaviour sanitizer
 #   mingw   64-bit Windows, MinGW-w64: the same tests, checks of the built
 #           library and the project under Wine
-#   fuzz    Linux, clang++: every fuzz target for some seconds; only when it is
-#           named, the other steps replay what fuzzing found
+#   fuzz    every fuzz target for some seconds, in the build of asan; the other
+#           builds replay the corpora
 #   tidy    clang-tidy over library and example (over the tool: scripts/lint.sh)
 #
 # Every step runs even if one before it failed; the exit code is 0 only when
@@ -20,7 +20,7 @@ set -uo pipefail
 cd "$(dirname "$0")/.."
 
 steps=("$@")
-[ ${#steps[@]} -gt 0 ] || steps=(dev asan mingw tidy)
+[ ${#steps[@]} -gt 0 ] || steps=(dev asan fuzz mingw tidy)
 for step in "${steps[@]}"; do
   case $step in
     dev | asan | mingw | fuzz | tidy) ;;
