@@ -1,5 +1,4 @@
 // tabwerk activate: a row that was switched off comes back.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
@@ -10,10 +9,10 @@ namespace {
 
 class ActivateCommand : public RowCommand {
  public:
-  void Declare(CLI::App& app) override {
-    DeclareRow(app);
-    DeclareId(app);
-    app.footer(
+  void Declare(Options& options) override {
+    DeclareRow(options);
+    DeclareId(options);
+    options.Notes(
         "The row gets STATUS 0 and the last place.  A row that FILE ships\n"
         "switched off cannot be switched on.");
   }

@@ -1,5 +1,4 @@
 // tabwerk add: a row of the user's.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,13 +11,14 @@ namespace {
 
 class AddCommand : public RowCommand {
  public:
-  void Declare(CLI::App& app) override {
-    DeclareRow(app);
-    app.add_option("VALUES", words_,
-                   "COLUMN=VALUE …; a column that is not named gets 0 or an "
-                   "empty text")
-        ->type_name("COLUMN=VALUE");
-    app.footer(
+  void Declare(Options& options) override {
+    DeclareRow(options);
+    options
+        .Add("VALUES", words_,
+             "COLUMN=VALUE …; a column that is not named gets 0 or an "
+             "empty text")
+        .Value("COLUMN=VALUE");
+    options.Notes(
         "The row gets a new ID, from 20000, and the last place.  A text is\n"
         "taken as it stands, so \"#TS(Bolt¬Schraube)TS~\" holds two "
         "languages.\n"

@@ -1,5 +1,4 @@
 // tabwerk build: a database file from a script.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
 #include <optional>
@@ -76,16 +75,18 @@ class DryRunFiles {
 
 class BuildCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("SCRIPT", script_, "The script")->required();
-    AddFolderOption(app, &folder_);
-    app.add_option("--expect-version", version_,
-                   "Version that the data are to have; only for a script "
-                   "that is called D000")
-        ->type_name("VERSION");
-    app.add_flag("--lint", lint_, "Say first all that \"tabwerk lint\" finds");
-    AddWriteOptions(app, &write_);
-    app.footer(
+  void Declare(Options& options) override {
+    options.Add("SCRIPT", script_, "The script").Required();
+    AddFolderOption(options, &folder_);
+    options
+        .Add("--expect-version", version_,
+             "Version that the data are to have; only for a script "
+             "that is called D000")
+        .Value("VERSION");
+    options.AddFlag("--lint", lint_,
+                    "Say first all that \"tabwerk lint\" finds");
+    AddWriteOptions(options, &write_);
+    options.Notes(
         "A database that was there is replaced when the new one is complete;\n"
         "when something goes wrong, it stays as it was.");
   }

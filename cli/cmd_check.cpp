@@ -1,7 +1,6 @@
 // tabwerk check: what is wrong with the files of a database.
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <utility>
@@ -20,19 +19,19 @@ namespace {
 
 class CheckCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    AddDatabaseOptions(app, &files_);
-    app.add_flag("--quick", quick_,
-                 "Header, list of tables, blocks and the form of the index "
-                 "only: no rows and texts");
-    app.add_option("--most", most_,
-                   "Findings of one kind in one table that are shown before "
-                   "the others are only counted; 0: all")
-        ->check(CLI::NonNegativeNumber)
-        ->capture_default_str()
-        ->type_name("N");
-    AddFindingsOptions(app, &output_);
-    app.footer(
+  void Declare(Options& options) override {
+    AddDatabaseOptions(options, &files_);
+    options.AddFlag("--quick", quick_,
+                    "Header, list of tables, blocks and the form of the index "
+                    "only: no rows and texts");
+    options
+        .Add("--most", most_,
+             "Findings of one kind in one table that are shown before "
+             "the others are only counted; 0: all")
+        .NotNegative()
+        .Value("N");
+    AddFindingsOptions(options, &output_);
+    options.Notes(
         "Errors cost data or keep it from being read or saved; warnings are\n"
         "mistakes that a program shows or trips over; notes are no mistakes.\n"
         "Rows count from 0 over both files, as \"tabwerk show\" lists them.\n"

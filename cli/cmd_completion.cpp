@@ -1,5 +1,4 @@
 // tabwerk completion: scripts that complete command lines.
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "cli/commands.h"
@@ -12,12 +11,11 @@ namespace {
 
 class CompletionCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("SHELL", shell_, "bash, zsh, fish or powershell")
-        ->check(CLI::IsMember(AllShells()))
-        ->required();
-    app.add_option("-o,--output", file_, "Write to this file")
-        ->type_name("FILE");
+  void Declare(Options& options) override {
+    options.Add("SHELL", shell_, "bash, zsh, fish or powershell")
+        .OneOf(AllShells())
+        .Required();
+    options.Add("-o,--output", file_, "Write to this file").Value("FILE");
   }
 
   ExitCode Run() override {

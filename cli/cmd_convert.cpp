@@ -1,5 +1,4 @@
 // tabwerk convert: a database file in the current form.
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -27,15 +26,15 @@ std::string FormText(DatabaseFile const& file) {
 
 class ConvertCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("FILE", source_, "The database file, in any form")
-        ->required();
-    app.add_option("-o,--output", target_,
-                   "Write the new file here; without this, FILE is replaced, "
-                   "which needs --backup")
-        ->type_name("FILE");
-    AddWriteOptions(app, &write_);
-    app.footer(
+  void Declare(Options& options) override {
+    options.Add("FILE", source_, "The database file, in any form").Required();
+    options
+        .Add("-o,--output", target_,
+             "Write the new file here; without this, FILE is replaced, "
+             "which needs --backup")
+        .Value("FILE");
+    AddWriteOptions(options, &write_);
+    options.Notes(
         "Rows, texts and tables stay; every text gets a place of its own, in\n"
         "the order of the rows, and what no row uses is left out.  Damaged\n"
         "files are refused.  A user file's index finds its rows again by ID.");

@@ -1,5 +1,4 @@
 // tabwerk deactivate: a row that is not shown any more.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
@@ -10,10 +9,10 @@ namespace {
 
 class DeactivateCommand : public RowCommand {
  public:
-  void Declare(CLI::App& app) override {
-    DeclareRow(app);
-    DeclareId(app);
-    app.footer(
+  void Declare(Options& options) override {
+    DeclareRow(options);
+    DeclareId(options);
+    options.Notes(
         "A shipped row or one of the user's gets STATUS 1 and gives up its\n"
         "place; the rows behind it move up.  What FILE ships stays as it is:\n"
         "the status of its rows is kept in the index of the user file.");

@@ -1,5 +1,4 @@
 // tabwerk diff: what differs between two databases.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,41 +18,45 @@ namespace {
 
 class DiffCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("BEFORE", before_.main, "The main file of one database")
-        ->required();
-    app.add_option("AFTER", after_.main, "The main file of the other one")
-        ->required();
-    app.add_option("--user-before", before_.user,
-                   "The user file that belongs to BEFORE")
-        ->type_name("FILE");
-    app.add_option("--user-after", after_.user,
-                   "The user file that belongs to AFTER")
-        ->type_name("FILE");
-    app.add_option("--name-before", before_.name,
-                   "Name of the database, where it is not that of BEFORE; the "
-                   "index file is called after it")
-        ->type_name("NAME");
-    app.add_option("--name-after", after_.name, "The same for AFTER")
-        ->type_name("NAME");
-    AddNames(app, "--tables", &options_.tables, "These tables only: A,B");
-    AddNames(app, "--columns", &options_.columns, "These columns only: A,B");
-    AddNames(app, "--ignore", &options_.ignored,
+  void Declare(Options& options) override {
+    options.Add("BEFORE", before_.main, "The main file of one database")
+        .Required();
+    options.Add("AFTER", after_.main, "The main file of the other one")
+        .Required();
+    options
+        .Add("--user-before", before_.user,
+             "The user file that belongs to BEFORE")
+        .Value("FILE");
+    options
+        .Add("--user-after", after_.user, "The user file that belongs to AFTER")
+        .Value("FILE");
+    options
+        .Add("--name-before", before_.name,
+             "Name of the database, where it is not that of BEFORE; the "
+             "index file is called after it")
+        .Value("NAME");
+    options.Add("--name-after", after_.name, "The same for AFTER")
+        .Value("NAME");
+    AddNames(options, "--tables", &options_.tables, "These tables only: A,B");
+    AddNames(options, "--columns", &options_.columns,
+             "These columns only: A,B");
+    AddNames(options, "--ignore", &options_.ignored,
              "Not these columns; with ID, rows belong together by number");
-    app.add_flag("--summary", options_.summary, "Count rows, list none");
-    app.add_option("--limit", options_.limit,
-                   "List no more than so many rows of a table")
-        ->check(CLI::NonNegativeNumber)
-        ->type_name("N");
-    app.add_option("--format", format_, "text, json or md")
-        ->check(CLI::IsMember({"text", "json", "md"}))
-        ->capture_default_str()
-        ->type_name("FORMAT");
-    app.add_option("-o,--output", file_,
-                   "Write to this file, which appears when it is complete; - "
-                   "is standard output")
-        ->type_name("FILE");
-    app.footer(
+    options.AddFlag("--summary", options_.summary, "Count rows, list none");
+    options
+        .Add("--limit", options_.limit,
+             "List no more than so many rows of a table")
+        .NotNegative()
+        .Value("N");
+    options.Add("--format", format_, "text, json or md")
+        .OneOf({"text", "json", "md"})
+        .Value("FORMAT");
+    options
+        .Add("-o,--output", file_,
+             "Write to this file, which appears when it is complete; - "
+             "is standard output")
+        .Value("FILE");
+    options.Notes(
         "Rows of a table with a column ID of integers belong together by ID,\n"
         "others by number; columns by name.  A text with sections for several\n"
         "languages is compared language by language.  With a user file, order\n"
@@ -86,12 +89,9 @@ class DiffCommand : public Command {
   }
 
  private:
-  static void AddNames(CLI::App& app, char const* option,
+  static void AddNames(Options& options, char const* option,
                        std::vector<std::string>* names, char const* help) {
-    app.add_option(option, *names, help)
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->type_name("NAMES");
+    options.Add(option, *names, help).List().Value("NAMES");
   }
 
   std::unique_ptr<DiffOut> MakeOut(OutFile& file) const {

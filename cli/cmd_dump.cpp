@@ -1,5 +1,4 @@
 // tabwerk dump: the rows of one file of a table as they are stored.
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "DBTabelle.h"
@@ -14,20 +13,20 @@ namespace {
 
 class DumpCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    AddDatabaseOptions(app, &files_);
-    app.add_option("-t,--table", table_, "The table")
-        ->required()
-        ->type_name("TABLE");
-    app.add_option("--separator", separator_,
-                   "What stands between two values; \";\" otherwise")
-        ->type_name("TEXT");
-    app.add_option("-o,--output", output_,
-                   "Write to this file, which appears when it is complete; - "
-                   "is standard output")
-        ->type_name("FILE");
-    app.add_flag("--user", user_, "The rows of USERFILE, not those of FILE");
-    app.footer(
+  void Declare(Options& options) override {
+    AddDatabaseOptions(options, &files_);
+    options.Add("-t,--table", table_, "The table").Required().Value("TABLE");
+    options
+        .Add("--separator", separator_,
+             "What stands between two values; \";\" otherwise")
+        .Value("TEXT");
+    options
+        .Add("-o,--output", output_,
+             "Write to this file, which appears when it is complete; - "
+             "is standard output")
+        .Value("FILE");
+    options.AddFlag("--user", user_, "The rows of USERFILE, not those of FILE");
+    options.Notes(
         "Texts stand between double quotes as they are stored, with all\n"
         "languages.  No file is changed.");
   }

@@ -1,7 +1,6 @@
 // tabwerk explain: what the number of a message means.
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <string>
@@ -26,10 +25,10 @@ Code CodeOf(std::string const& text) {
 
 class ExplainCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("NUMBER", number_,
-                   "The number in a message; without, all are listed");
-    AddOutputOptions(app, &output_);
+  void Declare(Options& options) override {
+    options.Add("NUMBER", number_,
+                "The number in a message; without, all are listed");
+    AddOutputOptions(options, &output_);
   }
 
   ExitCode Run() override {

@@ -1,5 +1,4 @@
 // tabwerk export: the script and the table data that rebuild a database.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <optional>
@@ -38,19 +37,20 @@ std::string BaseName(std::string const& path) {
 
 class ExportCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("FILE", main_, "The database file")->required();
-    app.add_option("USERFILE", user_,
-                   "The user file that belongs to it (NAME.UDB)");
-    app.add_option("-d,--directory", folder_,
-                   "The folder for the files; it is made when it is missing")
-        ->required()
-        ->type_name("DIR");
-    app.add_flag("--force", force_, "Replace files that are there");
-    app.add_flag("--dry-run", write_.dry_run,
-                 "Do all of it, say what would be written, "
-                 "and write nothing");
-    app.footer(
+  void Declare(Options& options) override {
+    options.Add("FILE", main_, "The database file").Required();
+    options.Add("USERFILE", user_,
+                "The user file that belongs to it (NAME.UDB)");
+    options
+        .Add("-d,--directory", folder_,
+             "The folder for the files; it is made when it is missing")
+        .Required()
+        .Value("DIR");
+    options.AddFlag("--force", force_, "Replace files that are there");
+    options.AddFlag("--dry-run", write_.dry_run,
+                    "Do all of it, say what would be written, "
+                    "and write nothing");
+    options.Notes(
         "The script is called after FILE, and \"tabwerk build\" makes of it,\n"
         "in DIR, a file of the same bytes but for the time of writing.  That\n"
         "is tried before anything is written.  What scripts and table data\n"

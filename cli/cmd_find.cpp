@@ -1,5 +1,4 @@
 // tabwerk find: where a text stands in a database.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,21 +20,21 @@ namespace {
 
 class FindTextCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("PATTERN", pattern_,
-                   "A regular expression (ECMAScript) for a part of the text")
-        ->required();
-    AddDatabaseOptions(app, &files_);
-    app.add_option("-t,--table", table_, "In this table only")
-        ->type_name("TABLE");
-    app.add_flag("--whole", whole_, "PATTERN is to match the whole text");
-    app.add_flag("--literal", literal_,
-                 "PATTERN is a text as it stands, not an expression");
-    AddLanguageOption(app, &language_,
+  void Declare(Options& options) override {
+    options
+        .Add("PATTERN", pattern_,
+             "A regular expression (ECMAScript) for a part of the text")
+        .Required();
+    AddDatabaseOptions(options, &files_);
+    options.Add("-t,--table", table_, "In this table only").Value("TABLE");
+    options.AddFlag("--whole", whole_, "PATTERN is to match the whole text");
+    options.AddFlag("--literal", literal_,
+                    "PATTERN is a text as it stands, not an expression");
+    AddLanguageOption(options, &language_,
                       "Number of one language; all, as without the option; "
                       "raw: texts as they are stored");
-    AddOutputOptions(app, &output_);
-    app.footer(
+    AddOutputOptions(options, &output_);
+    options.Notes(
         "A text that has pieces for several languages is found in each of "
         "them;\none that reads the same in all is found once, without a "
         "language.  No\nfile is changed.");

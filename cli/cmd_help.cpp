@@ -1,5 +1,4 @@
 // tabwerk help: all commands, one of them, or the manual page.
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "cli/commands.h"
@@ -12,11 +11,10 @@ namespace {
 
 class HelpCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("COMMAND", command_, "The command; without, all of them");
-    app.add_flag("--man", man_, "The manual page, for man");
-    app.add_option("-o,--output", file_, "Write to this file")
-        ->type_name("FILE");
+  void Declare(Options& options) override {
+    options.Add("COMMAND", command_, "The command; without, all of them");
+    options.AddFlag("--man", man_, "The manual page, for man");
+    options.Add("-o,--output", file_, "Write to this file").Value("FILE");
   }
 
   ExitCode Run() override {

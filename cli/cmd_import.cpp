@@ -1,5 +1,4 @@
 // tabwerk import: rows from a text file to the end of a user file's table.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,30 +29,32 @@ Problem NotSaved(std::string const& user_file) {
 
 class ImportCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("ROWS", rows_file_,
-                   "Text file with a row a line, or JSON; - is standard input")
-        ->required();
-    AddDatabaseOptions(app, &files_, true);
-    app.add_option("-t,--table", table_, "The table")
-        ->required()
-        ->type_name("TABLE");
-    app.add_option("--from", from_,
-                   "What ROWS is: csv, tsv, json or ndjson, with names of "
-                   "columns; rows: UTF-16LE, values in the order of the "
-                   "columns.  Guessed from the name otherwise")
-        ->check(CLI::IsMember({"csv", "tsv", "json", "ndjson", "rows"}))
-        ->type_name("FORM");
-    app.add_option("--separator", separator_,
-                   "The character between two values, \"\\t\" for a tab; "
-                   "\",\" for csv, else \";\"")
-        ->type_name("CHARACTER");
-    app.add_option("--rejected", rejected_file_,
-                   "Write lines that do not fit to this file; ROWS.rejected "
-                   "otherwise")
-        ->type_name("FILE");
-    AddWriteOptions(app, &write_);
-    app.footer(
+  void Declare(Options& options) override {
+    options
+        .Add("ROWS", rows_file_,
+             "Text file with a row a line, or JSON; - is standard input")
+        .Required();
+    AddDatabaseOptions(options, &files_, true);
+    options.Add("-t,--table", table_, "The table").Required().Value("TABLE");
+    options
+        .Add("--from", from_,
+             "What ROWS is: csv, tsv, json or ndjson, with names of "
+             "columns; rows: UTF-16LE, values in the order of the "
+             "columns.  Guessed from the name otherwise")
+        .OneOf({"csv", "tsv", "json", "ndjson", "rows"})
+        .Value("FORM");
+    options
+        .Add("--separator", separator_,
+             "The character between two values, \"\\t\" for a tab; "
+             "\",\" for csv, else \";\"")
+        .Value("CHARACTER");
+    options
+        .Add("--rejected", rejected_file_,
+             "Write lines that do not fit to this file; ROWS.rejected "
+             "otherwise")
+        .Value("FILE");
+    AddWriteOptions(options, &write_);
+    options.Notes(
         "csv and tsv begin with a line of column names; json is an array of\n"
         "objects, ndjson an object a line, both in UTF-8.  Columns that are\n"
         "missing get 0 or an empty text.  A missing USERFILE is made.  ID,\n"

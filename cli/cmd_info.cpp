@@ -1,5 +1,4 @@
 // tabwerk info: what is in database files, and whether they are sound.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -19,25 +18,28 @@ namespace {
 
 class InfoCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("FILE", paths_,
-                   "Database files; a main file followed by its user file is "
-                   "taken as one database")
-        ->required();
-    app.add_option("--name", name_,
-                   "Name of the database, where it is not that of the first "
-                   "FILE; the index file is called after it")
-        ->type_name("NAME");
-    app.add_option("--format", format_, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->type_name("FORMAT")
-        ->group("Output");
-    app.add_option("-o,--output", output_,
-                   "Write to this file, which appears when it is complete; - "
-                   "is standard output")
-        ->type_name("FILE")
-        ->group("Output");
-    app.footer(
+  void Declare(Options& options) override {
+    options
+        .Add("FILE", paths_,
+             "Database files; a main file followed by its user file is "
+             "taken as one database")
+        .Required();
+    options
+        .Add("--name", name_,
+             "Name of the database, where it is not that of the first "
+             "FILE; the index file is called after it")
+        .Value("NAME");
+    options.Add("--format", format_, "text or json")
+        .OneOf({"text", "json"})
+        .Value("FORMAT")
+        .Group("Output");
+    options
+        .Add("-o,--output", output_,
+             "Write to this file, which appears when it is complete; - "
+             "is standard output")
+        .Value("FILE")
+        .Group("Output");
+    options.Notes(
         "A file is sound when its header, its list of tables and the blocks of"
         "\nrows and texts can be true.  No file is changed.");
   }

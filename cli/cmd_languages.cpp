@@ -1,7 +1,6 @@
 // tabwerk languages: which texts are complete in which language.
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -25,18 +24,19 @@ constexpr short kUntranslated = -1;
 
 class LanguagesCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    AddDatabaseOptions(app, &files_);
-    AddLanguagesOption(app, &languages_);
-    app.add_option("--fail-under", least_percent_,
-                   "End with exit code 1 when a language has less of its "
-                   "sections complete, in per cent")
-        ->check(CLI::Range(0.0, 100.0))
-        ->type_name("PERCENT");
-    app.add_flag("--cells", cells_,
-                 "List every text that is not complete in a language");
-    AddOutputOptions(app, &output_);
-    app.footer(
+  void Declare(Options& options) override {
+    AddDatabaseOptions(options, &files_);
+    AddLanguagesOption(options, &languages_);
+    options
+        .Add("--fail-under", least_percent_,
+             "End with exit code 1 when a language has less of its "
+             "sections complete, in per cent")
+        .Between(0, 100)
+        .Value("PERCENT");
+    options.AddFlag("--cells", cells_,
+                    "List every text that is not complete in a language");
+    AddOutputOptions(options, &output_);
+    options.Notes(
         "Without --format, --cells and --columns a matrix of per cents by\n"
         "language; else a line for each table, column and language, and for\n"
         "each language in all.  Counted are the sections \"#TS(\" ... "

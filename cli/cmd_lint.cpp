@@ -1,5 +1,4 @@
 // tabwerk lint: what is wrong with a script and its data.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
 #include <set>
@@ -19,16 +18,16 @@ namespace {
 
 class LintCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("SCRIPT", scripts_, "The scripts")->required();
-    AddFolderOption(app, &folder_);
-    app.add_option("--ignore", ignored_,
-                   "Leave these findings out: numbers as TW220, with commas")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->type_name("NUMBER");
-    AddFindingsOptions(app, &output_);
-    app.footer(
+  void Declare(Options& options) override {
+    options.Add("SCRIPT", scripts_, "The scripts").Required();
+    AddFolderOption(options, &folder_);
+    options
+        .Add("--ignore", ignored_,
+             "Leave these findings out: numbers as TW220, with commas")
+        .List()
+        .Value("NUMBER");
+    AddFindingsOptions(options, &output_);
+    options.Notes(
         "Errors are what \"tabwerk build\" would stop at; warnings what it "
         "takes\n"
         "in silence; notes do not count for the exit code.  Nothing is built.");

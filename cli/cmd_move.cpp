@@ -1,5 +1,4 @@
 // tabwerk move: a row to another place of the order.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
@@ -10,19 +9,19 @@ namespace {
 
 class MoveCommand : public RowCommand {
  public:
-  void Declare(CLI::App& app) override {
-    DeclareRow(app);
-    DeclareId(app);
+  void Declare(Options& options) override {
+    DeclareRow(options);
+    DeclareId(options);
     constexpr char kPlace[] = "Place";
-    app.add_option("--before", before_, "In front of the row with this ID")
-        ->type_name("ID")
-        ->group(kPlace);
-    app.add_option("--after", after_, "Behind the row with this ID")
-        ->type_name("ID")
-        ->group(kPlace);
-    app.add_flag("--first", first_, "To the first place")->group(kPlace);
-    app.add_flag("--last", last_, "To the last place")->group(kPlace);
-    app.footer(
+    options.Add("--before", before_, "In front of the row with this ID")
+        .Value("ID")
+        .Group(kPlace);
+    options.Add("--after", after_, "Behind the row with this ID")
+        .Value("ID")
+        .Group(kPlace);
+    options.AddFlag("--first", first_, "To the first place").Group(kPlace);
+    options.AddFlag("--last", last_, "To the last place").Group(kPlace);
+    options.Notes(
         "Shipped rows and those of the user move alike: the order is kept in\n"
         "the index of the user file.  The active rows are numbered 1, 2, 3 …\n"
         "anew.");

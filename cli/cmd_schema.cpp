@@ -1,5 +1,4 @@
 // tabwerk schema: tables and columns of a database file.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -20,21 +19,23 @@ namespace {
 
 class SchemaCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    app.add_option("FILE", path_, "A database file")->required();
-    app.add_option("-t,--table", table_, "This table only")->type_name("TABLE");
-    app.add_option("--as", as_,
-                   "rows: one for each column, in the format of --format; "
-                   "script, sql, json, md: the text; cpp: a header with the "
-                   "names")
-        ->check(CLI::IsMember({"rows", "script", "sql", "json", "md", "cpp"}))
-        ->type_name("FORM");
-    app.add_option("--ids", ids_,
-                   "For --as cpp: also the IDs of the rows of tables with this "
-                   "column, whose texts name them")
-        ->type_name("COLUMN");
-    AddOutputOptions(app, &output_);
-    app.footer("No file is changed.");
+  void Declare(Options& options) override {
+    options.Add("FILE", path_, "A database file").Required();
+    options.Add("-t,--table", table_, "This table only").Value("TABLE");
+    options
+        .Add("--as", as_,
+             "rows: one for each column, in the format of --format; "
+             "script, sql, json, md: the text; cpp: a header with the "
+             "names")
+        .OneOf({"rows", "script", "sql", "json", "md", "cpp"})
+        .Value("FORM");
+    options
+        .Add("--ids", ids_,
+             "For --as cpp: also the IDs of the rows of tables with this "
+             "column, whose texts name them")
+        .Value("COLUMN");
+    AddOutputOptions(options, &output_);
+    options.Notes("No file is changed.");
   }
 
   ExitCode Run() override {

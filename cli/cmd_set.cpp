@@ -1,5 +1,4 @@
 // tabwerk set: values of a row of the user's.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,13 +11,13 @@ namespace {
 
 class SetCommand : public RowCommand {
  public:
-  void Declare(CLI::App& app) override {
-    DeclareRow(app);
-    DeclareId(app);
-    app.add_option("VALUES", words_, "COLUMN=VALUE …")
-        ->required()
-        ->type_name("COLUMN=VALUE");
-    app.footer(
+  void Declare(Options& options) override {
+    DeclareRow(options);
+    DeclareId(options);
+    options.Add("VALUES", words_, "COLUMN=VALUE …")
+        .Required()
+        .Value("COLUMN=VALUE");
+    options.Notes(
         "Only rows of the user file have values that can be set; those of "
         "FILE\n"
         "are shipped with it.  A text takes the place of the old one in all\n"

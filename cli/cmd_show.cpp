@@ -1,5 +1,4 @@
 // tabwerk show: the rows of a table.
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,16 +18,16 @@ namespace {
 
 class ShowCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    AddDatabaseOptions(app, &files_);
-    app.add_option("TABLE", last_word_, "The table, unless -t names it");
-    app.add_option("-t,--table", table_, "The table")->type_name("TABLE");
-    AddRowQueryOptions(app, &query_);
-    AddLanguageOption(app, &language_,
+  void Declare(Options& options) override {
+    AddDatabaseOptions(options, &files_);
+    options.Add("TABLE", last_word_, "The table, unless -t names it");
+    options.Add("-t,--table", table_, "The table").Value("TABLE");
+    AddRowQueryOptions(options, &query_);
+    AddLanguageOption(options, &language_,
                       "Number of the language of the texts, 0 is the first; "
                       "all: a column for each; raw: as they are stored");
-    AddOutputOptions(app, &output_);
-    app.footer(
+    AddOutputOptions(options, &output_);
+    options.Notes(
         "A terminal gets a table, a pipe complete lines of values separated\n"
         "by tabs, behind a line of column names; control characters stand as\n"
         "\\t, \\n, \\r and \\xHH there, \"\\\" as \"\\\\\".  No file is "

@@ -1,5 +1,4 @@
 // tabwerk stats: what takes the room in database files.
-#include <CLI/CLI.hpp>
 #include <map>
 #include <optional>
 #include <string>
@@ -20,10 +19,10 @@ namespace {
 
 class StatsCommand : public Command {
  public:
-  void Declare(CLI::App& app) override {
-    AddDatabaseOptions(app, &files_);
-    AddOutputOptions(app, &output_);
-    app.footer(
+  void Declare(Options& options) override {
+    AddDatabaseOptions(options, &files_);
+    AddOutputOptions(options, &output_);
+    options.Notes(
         "ROW_BYTES and TEXT_BYTES are what rows and texts take in the file.\n"
         "Of the 16-bit units of the texts no row refers to UNUSED_UNITS;\n"
         "REPEATED texts stand there more than once and take REPEATED_UNITS.\n"

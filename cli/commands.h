@@ -13,10 +13,15 @@
 //     The build finds it by the name of the file (kNameCommand for
 //     cmd_name.cpp); help, manual page and completions follow from it and from
 //     the options that it declares.
-// 2.  Declare adds options; AddDatabaseOptions (session.h) for FILE and
-//     USERFILE, AddOutputOptions (table_out.h) where rows come out,
-//     AddWriteOptions (writing.h) where something is changed.  -q, -v and
-//     --color are added to every command.
+// 2.  Declare adds options, bound to members:
+//
+//         options.Add("-t,--table", table_, "The table").Required();
+//
+//     What else they can do is in options.h, which keeps the argument library
+//     to itself.  AddDatabaseOptions (session.h) is for FILE and USERFILE,
+//     AddOutputOptions (table_out.h) where rows come out, AddWriteOptions
+//     (writing.h) where something is changed.  -q, -v and --color are added to
+//     every command.
 // 3.  Run hands rows to a TableOut (table_out.h), findings to a FindingsOut
 //     (findings.h), and problems to Report and Warn (errors.h).  A new kind of
 //     problem gets the next number of its range (codes.h).  A command that
@@ -36,10 +41,7 @@
 #include <vector>
 
 #include "cli/codes.h"
-
-namespace CLI {
-class App;
-}
+#include "cli/options.h"
 
 namespace tabwerk::tool {
 
@@ -54,7 +56,7 @@ class Command {
 
   // Adds its options to its part of the command line.  They are bound to this
   // object.
-  virtual void Declare(CLI::App& app) = 0;
+  virtual void Declare(Options& options) = 0;
   virtual ExitCode Run() = 0;
 };
 

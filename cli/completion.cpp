@@ -18,9 +18,9 @@ std::vector<std::string> NamesOf(OptionText const& option) {
   return names;
 }
 
-std::vector<std::string> AllNames(CLI::App const& app) {
+std::vector<std::string> AllNames(Options const& options) {
   std::vector<std::string> all;
-  for (OptionText const& option : OptionsOf(app)) {
+  for (OptionText const& option : ListOf(options)) {
     auto const names = NamesOf(option);
     all.insert(all.end(), names.begin(), names.end());
   }
@@ -66,7 +66,7 @@ std::string Bash(Parser& parser) {
       "  local words=\n"
       "  if ((COMP_CWORD == 1)); then\n";
   text += "    words=\"" + Joined(CommandNames(parser), " ") + " " +
-          Joined(AllNames(parser.app()), " ") + "\"\n";
+          Joined(AllNames(parser.options()), " ") + "\"\n";
   text +=
       "    COMPREPLY=($(compgen -W \"$words\" -- \"$word\"))\n"
       "    return\n"
@@ -75,7 +75,7 @@ std::string Bash(Parser& parser) {
   for (DeclaredCommand const& command : parser.commands()) {
     text +=
         fmt::format("    {})\n      case $before in\n", command.entry->name);
-    for (OptionText const& option : OptionsOf(*command.app)) {
+    for (OptionText const& option : ListOf(command.options)) {
       if (option.IsPositional() || option.value.empty()) continue;
       text += fmt::format("        {}) ", Joined(NamesOf(option), " | "));
       text += option.choices.empty()
@@ -83,7 +83,7 @@ std::string Bash(Parser& parser) {
                   : "words=\"" + Joined(option.choices, " ") + "\" ;;\n";
     }
     auto words = OperandsOf(command, parser);
-    auto const names = AllNames(*command.app);
+    auto const names = AllNames(command.options);
     words.insert(words.end(), names.begin(), names.end());
     text += fmt::format("        *) words=\"{}\" ;;\n      esac\n      ;;\n",
                         Joined(words, " "));
@@ -137,7 +137,7 @@ std::string Zsh(Parser& parser) {
       "    )\n"
       "    _describe command commands\n"
       "    _arguments";
-  for (OptionText const& option : OptionsOf(parser.app())) {
+  for (OptionText const& option : ListOf(parser.options())) {
     text += ZshOption(option);
   }
   text +=
@@ -149,7 +149,7 @@ std::string Zsh(Parser& parser) {
       "  case $words[1] in\n";
   for (DeclaredCommand const& command : parser.commands()) {
     text += fmt::format("    {})\n      _arguments", command.entry->name);
-    for (OptionText const& option : OptionsOf(*command.app)) {
+    for (OptionText const& option : ListOf(command.options)) {
       if (!option.IsPositional()) text += ZshOption(option);
     }
     auto const operands = OperandsOf(command, parser);
@@ -178,7 +178,7 @@ std::string FishOption(std::string const& condition, OptionText const& option) {
 
 std::string Fish(Parser& parser) {
   std::string text = "# fish completion for tabwerk\n";
-  for (OptionText const& option : OptionsOf(parser.app())) {
+  for (OptionText const& option : ListOf(parser.options())) {
     text += FishOption("__fish_use_subcommand", option);
   }
   for (DeclaredCommand const& command : parser.commands()) {
@@ -186,7 +186,7 @@ std::string Fish(Parser& parser) {
     text += "complete -c tabwerk -n __fish_use_subcommand -a " + name + " -d " +
             Quoted(command.entry->summary, "\\'") + "\n";
     std::string const condition = "__fish_seen_subcommand_from " + name;
-    for (OptionText const& option : OptionsOf(*command.app)) {
+    for (OptionText const& option : ListOf(command.options)) {
       if (!option.IsPositional()) text += FishOption(condition, option);
     }
     auto const operands = OperandsOf(command, parser);
@@ -206,7 +206,7 @@ std::string PowerShellList(std::vector<std::string> const& words) {
 
 std::string PowerShell(Parser& parser) {
   auto first = CommandNames(parser);
-  auto const names = AllNames(parser.app());
+  auto const names = AllNames(parser.options());
   first.insert(first.end(), names.begin(), names.end());
   std::string text =
       "# PowerShell completion for tabwerk\n"
@@ -217,11 +217,11 @@ std::string PowerShell(Parser& parser) {
   std::string choices;
   for (DeclaredCommand const& command : parser.commands()) {
     auto words = OperandsOf(command, parser);
-    auto const more = AllNames(*command.app);
+    auto const more = AllNames(command.options);
     words.insert(words.end(), more.begin(), more.end());
     text += fmt::format("    '{}' = {}\n", command.entry->name,
                         PowerShellList(words));
-    for (OptionText const& option : OptionsOf(*command.app)) {
+    for (OptionText const& option : ListOf(command.options)) {
       if (option.choices.empty()) continue;
       for (std::string const& name : NamesOf(option)) {
         choices += fmt::format("    '{} {}' = {}\n", command.entry->name, name,

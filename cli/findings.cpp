@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 
+#include "cli/options.h"
 #include "cli/settings.h"
 #include "cli/text.h"
 
@@ -24,10 +24,10 @@ Cell TextCell(std::string const& text) {
 
 }  // namespace
 
-void AddFindingsOptions(CLI::App& app, OutputOptions* options) {
-  AddOutputOptions(app, options);
-  app.get_option("--format")
-      ->description(
+void AddFindingsOptions(Options& options, OutputOptions* output) {
+  AddOutputOptions(options, output);
+  options.Find("--format")
+      .Describe(
           "table, csv, tsv, json, ndjson, md or list, a row for each finding; "
           "auto: messages");
 }

@@ -15,7 +15,7 @@
 namespace tabwerk::tool {
 
 // Adds --format, --limit, --columns and -o for findings.
-void AddFindingsOptions(CLI::App& app, OutputOptions* options);
+void AddFindingsOptions(Options& options, OutputOptions* output);
 
 // Hands findings out as they come: as messages with their places, or as rows
 // in a format of table_out.h with the columns severity, code, file, line,

@@ -86,7 +86,7 @@ std::string WholeHelp(Parser& parser) {
     text += std::string(GroupTitle(group)) + ":\n" + entries + "\n";
   }
   text += "Everywhere:\n";
-  for (OptionText const& option : OptionsOf(parser.app())) {
+  for (OptionText const& option : ListOf(parser.options())) {
     text += Entry(OptionNames(option), option.description);
   }
   return text + "\n" + Exits();
@@ -94,7 +94,7 @@ std::string WholeHelp(Parser& parser) {
 
 std::string UsageLine(DeclaredCommand const& command) {
   std::string line = fmt::format("tabwerk {} [OPTION]...", command.entry->name);
-  for (OptionText const& option : OptionsOf(*command.app)) {
+  for (OptionText const& option : ListOf(command.options)) {
     if (!option.IsPositional()) continue;
     std::string const name = option.value + (option.is_repeated ? "..." : "");
     line += option.is_required ? " " + name : " [" + name + "]";
@@ -117,7 +117,7 @@ std::string CommandHelp(DeclaredCommand const& command) {
   std::string text = "Usage: " + UsageLine(command) + "\n\n" +
                      Wrapped(command.entry->summary, 0);
   std::string group;
-  for (OptionText const& option : OptionsOf(*command.app)) {
+  for (OptionText const& option : ListOf(command.options)) {
     std::string const title = option.IsPositional() ? "Files" : option.group;
     if (title != group) text += "\n" + title + ":\n";
     group = title;
@@ -126,7 +126,7 @@ std::string CommandHelp(DeclaredCommand const& command) {
         option.description +
             (option.is_required && !option.IsPositional() ? " (needed)" : ""));
   }
-  std::string const notes = command.app->get_footer();
+  std::string const notes = command.options.Notes();
   if (!notes.empty()) text += "\n" + notes + "\n";
   if (!command.entry->examples.empty()) text += "\nExamples:\n";
   for (Example const& example : command.entry->examples) {

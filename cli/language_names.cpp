@@ -1,9 +1,10 @@
 #include "cli/language_names.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <limits>
 #include <system_error>
+
+#include "cli/options.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -18,13 +19,13 @@ bool IsNumber(std::string const& text) {
 
 }  // namespace
 
-void AddLanguagesOption(CLI::App& app, LanguageNames* languages) {
-  app.add_option("--languages", languages->words_,
-                 "How many there are to be, or their names with commas; "
-                 "without, as many as any text has")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("N|NAMES");
+void AddLanguagesOption(Options& options, LanguageNames* languages) {
+  options
+      .Add("--languages", languages->words_,
+           "How many there are to be, or their names with commas; "
+           "without, as many as any text has")
+      .List()
+      .Value("N|NAMES");
 }
 
 std::optional<Problem> LanguageNames::Parse() {

@@ -9,11 +9,9 @@
 
 #include "cli/errors.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 // Their number, and what they are called where that was said.
 class LanguageNames {
@@ -29,7 +27,7 @@ class LanguageNames {
   std::string Title(std::size_t language) const;
 
  private:
-  friend void AddLanguagesOption(CLI::App& app, LanguageNames* languages);
+  friend void AddLanguagesOption(Options& options, LanguageNames* languages);
 
   std::vector<std::string> words_;
   std::vector<std::string> names_;
@@ -37,7 +35,7 @@ class LanguageNames {
 };
 
 // Adds --languages.
-void AddLanguagesOption(CLI::App& app, LanguageNames* languages);
+void AddLanguagesOption(Options& options, LanguageNames* languages);
 
 }  // namespace tabwerk::tool
 

@@ -32,11 +32,11 @@ std::string CommandSection(DeclaredCommand const& command) {
   std::string page =
       fmt::format(".SS {}\n{}.\n.PP\n.B {}\n", command.entry->name,
                   Roff(command.entry->summary), Roff(UsageLine(command)));
-  for (OptionText const& option : OptionsOf(*command.app)) {
+  for (OptionText const& option : ListOf(command.options)) {
     if (option.group == kCommonGroup) continue;
     page += Tagged(OptionNames(option), option.description);
   }
-  std::string const notes = command.app->get_footer();
+  std::string const notes = command.options.Notes();
   if (!notes.empty()) page += ".PP\n" + Roff(notes) + "\n";
   for (Example const& example : command.entry->examples) {
     page += fmt::format(".PP\n{}:\n.PP\n.RS 4\n.nf\ntabwerk {}\n.fi\n.RE\n",
@@ -66,7 +66,7 @@ std::string ManPage(Parser& parser) {
     page += fmt::format(".SH \"{}\"\n", GroupTitle(group)) + sections;
   }
   page += ".SH \"OPTIONS OF ALL COMMANDS\"\n";
-  for (OptionText const& option : OptionsOf(parser.app())) {
+  for (OptionText const& option : ListOf(parser.options())) {
     page += Tagged(OptionNames(option), option.description);
   }
   page += ".SH \"EXIT STATUS\"\n";

@@ -2,53 +2,37 @@
 #ifndef TABWERK_CLI_PARSER_H
 #define TABWERK_CLI_PARSER_H
 
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/options.h"
 
 namespace tabwerk::tool {
 
 struct DeclaredCommand {
   CommandEntry const* entry;
   std::unique_ptr<Command> command;
-  CLI::App* app;  // the parser's
+  Options options;
 };
 
 class Parser {
  public:
   Parser();
 
-  CLI::App& app() { return app_; }
+  Options& options() { return options_; }
+  Options const& options() const { return options_; }
   std::vector<DeclaredCommand> const& commands() const { return commands_; }
   DeclaredCommand const* Find(std::string_view name) const;
 
  private:
-  CLI::App app_;
+  Options options_;
   std::vector<DeclaredCommand> commands_;
 };
 
-// One option as it is listed in help, manual page and completions.
-struct OptionText {
-  std::vector<std::string> short_names;  // "-t"
-  std::vector<std::string> long_names;   // "--table"
-  std::string value;                     // "TABLE"; empty: takes none
-  std::vector<std::string> choices;      // where only these are taken
-  std::string description;
-  std::string group;
-  bool is_required = false;
-  bool is_repeated = false;
-  bool takes_file = false;
-
-  bool IsPositional() const {
-    return short_names.empty() && long_names.empty();
-  }
-};
-
-// Those of a command, positional ones (value: their name) first.
-std::vector<OptionText> OptionsOf(CLI::App const& app);
+// As help lists them, operands (value: their name) first.
+std::vector<OptionText> ListOf(Options const& options);
 
 }  // namespace tabwerk::tool
 

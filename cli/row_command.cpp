@@ -1,8 +1,7 @@
 #include "cli/row_command.h"
 
-#include <CLI/CLI.hpp>
-
 #include "DBbase.h"
+#include "cli/options.h"
 #include "cli/settings.h"
 #include "cli/text.h"
 #include "cli/user_file.h"
@@ -10,16 +9,14 @@
 
 namespace tabwerk::tool {
 
-void RowCommand::DeclareRow(CLI::App& app) {
-  AddDatabaseOptions(app, &files_, true);
-  app.add_option("-t,--table", table_, "The table")
-      ->required()
-      ->type_name("TABLE");
-  AddWriteOptions(app, &write_);
+void RowCommand::DeclareRow(Options& options) {
+  AddDatabaseOptions(options, &files_, true);
+  options.Add("-t,--table", table_, "The table").Required().Value("TABLE");
+  AddWriteOptions(options, &write_);
 }
 
-void RowCommand::DeclareId(CLI::App& app) {
-  app.add_option("--id", id_, "ID of the row")->required()->type_name("ID");
+void RowCommand::DeclareId(Options& options) {
+  options.Add("--id", id_, "ID of the row").Required().Value("ID");
 }
 
 ExitCode RowCommand::Run() {

@@ -21,8 +21,8 @@ class RowCommand : public Command {
 
  protected:
   // Adds FILE, USERFILE, --table, --dry-run and --backup.
-  void DeclareRow(CLI::App& app);
-  void DeclareId(CLI::App& app);
+  void DeclareRow(Options& options);
+  void DeclareId(Options& options);
   // What is wrong with the arguments, before anything is opened.
   virtual std::optional<Problem> Check() { return std::nullopt; }
   virtual std::optional<Problem> Change(RowEdit& edit) = 0;

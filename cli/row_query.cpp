@@ -1,6 +1,5 @@
 #include "cli/row_query.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <set>
@@ -8,6 +7,7 @@
 #include "DBDirectory.h"
 #include "DBbase.h"
 #include "cli/files.h"
+#include "cli/options.h"
 #include "cli/patterns.h"
 #include "cli/table_list.h"
 #include "ztypes.h"
@@ -54,47 +54,48 @@ std::string ColumnNames(DBTabelle& table) {
   return names;
 }
 
-void AddConditions(CLI::App& app, RowQuery* query) {
-  app.add_option("--id", query->ids, "The row of this ID; several: 1,2,3")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("ID")
-      ->group(kGroup);
-  app.add_option("--row", query->rows, "The row of this number, from 0")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->check(CLI::NonNegativeNumber)
-      ->type_name("N")
-      ->group(kGroup);
-  app.add_option("--where", query->where, "Rows with this value in a column")
-      ->allow_extra_args(false)
-      ->type_name("COLUMN=VALUE")
-      ->group(kGroup);
-  app.add_option("--match", query->match,
-                 "Rows whose whole text in a column matches a regular "
-                 "expression")
-      ->allow_extra_args(false)
-      ->type_name("COLUMN=PATTERN")
-      ->group(kGroup);
-  app.add_flag("--active", query->active, "Rows whose STATUS is 0")
-      ->group(kGroup);
+void AddConditions(Options& options, RowQuery* query) {
+  options.Add("--id", query->ids, "The row of this ID; several: 1,2,3")
+      .List()
+      .Value("ID")
+      .Group(kGroup);
+  options.Add("--row", query->rows, "The row of this number, from 0")
+      .List()
+      .NotNegative()
+      .Value("N")
+      .Group(kGroup);
+  options.Add("--where", query->where, "Rows with this value in a column")
+      .OneWord()
+      .Value("COLUMN=VALUE")
+      .Group(kGroup);
+  options
+      .Add("--match", query->match,
+           "Rows whose whole text in a column matches a regular "
+           "expression")
+      .OneWord()
+      .Value("COLUMN=PATTERN")
+      .Group(kGroup);
+  options.AddFlag("--active", query->active, "Rows whose STATUS is 0")
+      .Group(kGroup);
 }
 
 }  // namespace
 
-void AddRowQueryOptions(CLI::App& app, RowQuery* query) {
-  AddConditions(app, query);
-  app.add_option("--part", query->part,
-                 "main: shipped rows only; user: the user's rows only")
-      ->check(CLI::IsMember({"main", "user"}))
-      ->type_name("PART")
-      ->group(kGroup);
-  app.add_option("--order", query->order,
-                 "row: as they are stored; folge: the display order, rows "
-                 "without a place behind; id: by ID")
-      ->check(CLI::IsMember({"folge", "id", "row"}))
-      ->type_name("ORDER")
-      ->group(kGroup);
+void AddRowQueryOptions(Options& options, RowQuery* query) {
+  AddConditions(options, query);
+  options
+      .Add("--part", query->part,
+           "main: shipped rows only; user: the user's rows only")
+      .OneOf({"main", "user"})
+      .Value("PART")
+      .Group(kGroup);
+  options
+      .Add("--order", query->order,
+           "row: as they are stored; folge: the display order, rows "
+           "without a place behind; id: by ID")
+      .OneOf({"folge", "id", "row"})
+      .Value("ORDER")
+      .Group(kGroup);
 }
 
 RowChoice::RowChoice(DBTabelle& table, LanguageChoice const& language)

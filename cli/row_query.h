@@ -10,11 +10,9 @@
 #include "cli/errors.h"
 #include "cli/translated_text.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 // What the user asks for.  All conditions have to hold.
 struct RowQuery {
@@ -28,7 +26,7 @@ struct RowQuery {
 };
 
 // Adds --id, --row, --where, --match, --active, --part and --order.
-void AddRowQueryOptions(CLI::App& app, RowQuery* query);
+void AddRowQueryOptions(Options& options, RowQuery* query);
 
 // The rows of a table that a query chooses.  Moves the table's selection and
 // the manager's language.

@@ -1,6 +1,5 @@
 #include "cli/run_tool.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -22,22 +21,22 @@ namespace {
 // The command that the line names; null for none.
 DeclaredCommand const* CommandInUse(Parser const& parser) {
   for (DeclaredCommand const& command : parser.commands()) {
-    if (command.app->parsed()) return &command;
+    if (command.options.IsChosen()) return &command;
   }
   return nullptr;
 }
 
 // Help that was asked for, or what is wrong with the command line.
-ExitCode AnswerParser(Parser& parser, CLI::ParseError const& answer) {
+ExitCode AnswerParser(Parser& parser, Parsed const& parsed) {
   DeclaredCommand const* const command = CommandInUse(parser);
-  if (answer.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
+  if (parsed.outcome == Parsed::Outcome::kWrong) {
     std::string const name =
         command != nullptr ? std::string(" ") + command->entry->name : "";
     return Report(
-        {TW(101), "", answer.what(), "see \"tabwerk" + name + " --help\""});
+        {TW(101), "", parsed.text, "see \"tabwerk" + name + " --help\""});
   }
-  if (answer.get_name() == "CallForVersion") {
-    console::Out(std::string(answer.what()) + "\n");
+  if (parsed.outcome == Parsed::Outcome::kVersion) {
+    console::Out(parsed.text + "\n");
   } else {
     console::Out(command != nullptr ? CommandHelp(*command)
                                     : WholeHelp(parser));
@@ -92,12 +91,9 @@ ExitCode Dispatch(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "info");
   }
   Parser parser;
-  // The parser takes them from the end.
-  std::reverse(arguments.begin(), arguments.end());
-  try {
-    parser.app().parse(std::move(arguments));
-  } catch (CLI::ParseError const& answer) {
-    return AnswerParser(parser, answer);
+  Parsed const parsed = parser.options().Parse(std::move(arguments));
+  if (parsed.outcome != Parsed::Outcome::kRun) {
+    return AnswerParser(parser, parsed);
   }
   return CommandInUse(parser)->command->Run();
 }

@@ -1,11 +1,11 @@
 #include "cli/script_files.h"
 
-#include <CLI/CLI.hpp>
 #include <system_error>
 #include <type_traits>
 
 #include "DBInterpreter.h"
 #include "cli/files.h"
+#include "cli/options.h"
 #include "cli/script_lines.h"
 #include "ztypes.h"
 
@@ -26,10 +26,11 @@ bool IsImpossible(fs::path const& path) {
 
 }  // namespace
 
-void AddFolderOption(CLI::App& app, std::string* folder) {
-  app.add_option("-C", *folder,
-                 "Go to this folder first; all paths are relative to it")
-      ->type_name("DIR");
+void AddFolderOption(Options& options, std::string* folder) {
+  options
+      .Add("-C", *folder,
+           "Go to this folder first; all paths are relative to it")
+      .Value("DIR");
 }
 
 std::optional<Problem> EnterFolder(std::string const& folder) {

@@ -9,15 +9,13 @@
 
 #include "cli/errors.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 // Adds -C, and goes to that folder; paths in scripts are relative to the
 // current one.  Nothing where folder is empty.
-void AddFolderOption(CLI::App& app, std::string* folder);
+void AddFolderOption(Options& options, std::string* folder);
 std::optional<Problem> EnterFolder(std::string const& folder);
 
 // Why a script cannot make or replace that database.  Changes nothing.

@@ -1,6 +1,5 @@
 #include "cli/session.h"
 
-#include <CLI/CLI.hpp>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -9,6 +8,7 @@
 #include "cli/database_file.h"
 #include "cli/files.h"
 #include "cli/index_state.h"
+#include "cli/options.h"
 #include "cli/progress.h"
 #include "cli/settings.h"
 
@@ -90,17 +90,18 @@ std::string DatabaseFiles::DatabaseName() const {
       .toUtf8();
 }
 
-void AddDatabaseOptions(CLI::App& app, DatabaseFiles* files,
+void AddDatabaseOptions(Options& options, DatabaseFiles* files,
                         bool user_file_required) {
-  app.add_option("FILE", files->main, "The main file of the database")
-      ->required();
-  app.add_option("USERFILE", files->user,
-                 "The user file that belongs to it (NAME.UDB)")
-      ->required(user_file_required);
-  app.add_option("--name", files->name,
-                 "Name of the database, where it is not that of FILE; the "
-                 "index file is called after it")
-      ->type_name("NAME");
+  options.Add("FILE", files->main, "The main file of the database").Required();
+  options
+      .Add("USERFILE", files->user,
+           "The user file that belongs to it (NAME.UDB)")
+      .Required(user_file_required);
+  options
+      .Add("--name", files->name,
+           "Name of the database, where it is not that of FILE; the "
+           "index file is called after it")
+      .Value("NAME");
 }
 
 std::vector<fs::path> IndexFiles(DatabaseFiles const& files) {

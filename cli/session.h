@@ -10,11 +10,9 @@
 #include "DBTabelle.h"
 #include "cli/errors.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 // Which files make up the database; UTF-8.
 struct DatabaseFiles {
@@ -27,7 +25,7 @@ struct DatabaseFiles {
 };
 
 // Adds the positional FILE, then USERFILE (needed or not), and --name.
-void AddDatabaseOptions(CLI::App& app, DatabaseFiles* files,
+void AddDatabaseOptions(Options& options, DatabaseFiles* files,
                         bool user_file_required = false);
 
 // The index file of the database, where it is there, and those that a save has

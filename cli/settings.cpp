@@ -1,10 +1,10 @@
 #include "cli/settings.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <string_view>
 
 #include "cli/console.h"
+#include "cli/options.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -27,20 +27,23 @@ Settings& CurrentSettings() {
   return settings;
 }
 
-void AddCommonOptions(CLI::App& app) {
+void AddCommonOptions(Options& options) {
   Settings& settings = CurrentSettings();
-  app.add_flag("-q,--quiet", settings.quiet,
+  options
+      .AddFlag("-q,--quiet", settings.quiet,
                "Errors only: no warnings, no progress, no closing line")
-      ->group(kCommonGroup);
-  app.add_flag("-v,--verbose", settings.verbose,
+      .Group(kCommonGroup);
+  options
+      .AddFlag("-v,--verbose", settings.verbose,
                "Say on standard error what is done on the way")
-      ->group(kCommonGroup);
-  app.add_option("--color", settings.color,
-                 "Colours: auto (on a terminal, unless NO_COLOR is set), "
-                 "always or never")
-      ->check(CLI::IsMember({"auto", "always", "never"}))
-      ->type_name("WHEN")
-      ->group(kCommonGroup);
+      .Group(kCommonGroup);
+  options
+      .Add("--color", settings.color,
+           "Colours: auto (on a terminal, unless NO_COLOR is set), "
+           "always or never")
+      .OneOf({"auto", "always", "never"})
+      .Value("WHEN")
+      .Group(kCommonGroup);
 }
 
 bool ColorsOut() { return Colors(&console::OutTakesColor); }

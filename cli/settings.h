@@ -4,11 +4,9 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 struct Settings {
   bool quiet = false;          // errors only: no warnings, progress, summaries
@@ -23,7 +21,7 @@ Settings& CurrentSettings();
 inline constexpr char kCommonGroup[] = "Everywhere";
 
 // Adds -q, -v and --color.
-void AddCommonOptions(CLI::App& app);
+void AddCommonOptions(Options& options);
 
 // Whether standard output and standard error are to be coloured: as --color
 // says, else on a terminal that knows colours where NO_COLOR is not set.

@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <utility>
 
 #include "cli/console.h"
+#include "cli/options.h"
 #include "cli/row_formats.h"
 #include "cli/settings.h"
 #include "cli/text.h"
@@ -18,33 +18,34 @@ constexpr char kGroup[] = "Output";
 
 }  // namespace
 
-void AddFormatOptions(CLI::App& app, OutputOptions* options) {
-  app.add_option("--format", options->format,
-                 "table, csv, tsv, json, ndjson, md or list; auto: table on a "
-                 "terminal, else tsv")
-      ->check(CLI::IsMember(
-          {"auto", "table", "csv", "tsv", "json", "ndjson", "md", "list"}))
-      ->type_name("FORMAT")
-      ->group(kGroup);
-  app.add_option("-o,--output", options->file,
-                 "Write to this file, which appears when it is complete; - is "
-                 "standard output")
-      ->type_name("FILE")
-      ->group(kGroup);
+void AddFormatOptions(Options& options, OutputOptions* output) {
+  options
+      .Add("--format", output->format,
+           "table, csv, tsv, json, ndjson, md or list; auto: table on a "
+           "terminal, else tsv")
+      .OneOf({"auto", "table", "csv", "tsv", "json", "ndjson", "md", "list"})
+      .Value("FORMAT")
+      .Group(kGroup);
+  options
+      .Add("-o,--output", output->file,
+           "Write to this file, which appears when it is complete; - is "
+           "standard output")
+      .Value("FILE")
+      .Group(kGroup);
 }
 
-void AddOutputOptions(CLI::App& app, OutputOptions* options) {
-  AddFormatOptions(app, options);
-  app.add_option("--limit", options->limit, "No more than so many rows")
-      ->check(CLI::NonNegativeNumber)
-      ->type_name("N")
-      ->group(kGroup);
-  app.add_option("--columns", options->columns,
-                 "These columns only, in this order: ID,NAME")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("NAMES")
-      ->group(kGroup);
+void AddOutputOptions(Options& options, OutputOptions* output) {
+  AddFormatOptions(options, output);
+  options.Add("--limit", output->limit, "No more than so many rows")
+      .NotNegative()
+      .Value("N")
+      .Group(kGroup);
+  options
+      .Add("--columns", output->columns,
+           "These columns only, in this order: ID,NAME")
+      .List()
+      .Value("NAMES")
+      .Group(kGroup);
 }
 
 std::string CellText(Cell const& cell) {

@@ -1,10 +1,10 @@
 // Rows that a command hands out: as a table on a terminal, as CSV, TSV, JSON,
 // Markdown or list, to standard output or to a file.
 //
-//   OutputOptions options;                       // a member of the command
-//   AddOutputOptions(app, &options);             // in Declare
+//   OutputOptions output_;                       // a member of the command
+//   AddOutputOptions(options, &output_);         // in Declare
 //   …
-//   TableOut out(options);
+//   TableOut out(output_);
 //   if (auto problem = out.Begin({{"ID", CellType::kInteger}, {"NAME"}})) …
 //   for (long row = 0; row < count && out.WantsMore(); ++row) {
 //     out.Add({id, name});
@@ -26,11 +26,9 @@
 #include "cli/errors.h"
 #include "cli/out_file.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 struct OutputOptions {
   std::string format = "auto";
@@ -40,9 +38,9 @@ struct OutputOptions {
 };
 
 // Adds --format, --limit, --columns and -o.
-void AddOutputOptions(CLI::App& app, OutputOptions* options);
+void AddOutputOptions(Options& options, OutputOptions* output);
 // Adds --format and -o alone, for what is no list of rows.
-void AddFormatOptions(CLI::App& app, OutputOptions* options);
+void AddFormatOptions(Options& options, OutputOptions* output);
 
 enum class CellType { kText, kInteger, kReal };
 

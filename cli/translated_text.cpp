@@ -1,10 +1,10 @@
 #include "cli/translated_text.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 
 #include "DBbase.h"
+#include "cli/options.h"
 #include "ztypes.h"
 
 namespace tabwerk::tool {
@@ -63,11 +63,11 @@ short LanguageChoice::Number() const {
   return text == "raw" ? kAsStored : ParseNumber(text);
 }
 
-void AddLanguageOption(CLI::App& app, LanguageChoice* choice,
+void AddLanguageOption(Options& options, LanguageChoice* choice,
                        std::string const& help) {
-  app.add_option("--language", choice->text, help)
-      ->check(CLI::Validator(&WrongChoice, ""))
-      ->type_name("LANGUAGE");
+  options.Add("--language", choice->text, help)
+      .Check(&WrongChoice)
+      .Value("LANGUAGE");
 }
 
 }  // namespace tabwerk::tool

@@ -8,11 +8,9 @@
 
 #include "DBTabelle.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 // Languages 0, 1 … that a text as it is stored has pieces for; 0 when it has no
 // closed section and reads the same in every language.  Of several sections the
@@ -37,7 +35,7 @@ struct LanguageChoice {
 };
 
 // Adds --language N|all|raw.
-void AddLanguageOption(CLI::App& app, LanguageChoice* choice,
+void AddLanguageOption(Options& options, LanguageChoice* choice,
                        std::string const& help);
 
 }  // namespace tabwerk::tool

@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <system_error>
 #include <utility>
 
 #include "DBbase.h"
+#include "cli/options.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -33,17 +33,19 @@ Problem NotBackedUp(fs::path const& copy) {
 
 }  // namespace
 
-void AddWriteOptions(CLI::App& app, WriteOptions* options) {
+void AddWriteOptions(Options& options, WriteOptions* write) {
   constexpr char kGroup[] = "Writing";
-  app.add_flag("--dry-run", options->dry_run,
+  options
+      .AddFlag("--dry-run", write->dry_run,
                "Do all of it with copies, say what would change, and change "
                "nothing")
-      ->group(kGroup);
-  app.add_flag("--backup", options->backup,
+      .Group(kGroup);
+  options
+      .AddFlag("--backup", write->backup,
                "First copy the files to NAME.bak (NAME.bak2 …): the database, "
                "and the user file with its index, which holds order and "
                "status")
-      ->group(kGroup);
+      .Group(kGroup);
 }
 
 std::optional<Problem> MakeBackup(std::vector<fs::path> const& files,

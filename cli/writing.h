@@ -11,11 +11,9 @@
 #include "cli/files.h"
 #include "cli/session.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tabwerk::tool {
+
+class Options;
 
 struct WriteOptions {
   bool dry_run = false;
@@ -23,7 +21,7 @@ struct WriteOptions {
 };
 
 // Adds --dry-run and --backup.
-void AddWriteOptions(CLI::App& app, WriteOptions* options);
+void AddWriteOptions(Options& options, WriteOptions* write);
 
 // Copies those files that are there to NAME.bak, or where one of these is
 // taken, all of them to NAME.bak2, NAME.bak3 …  Adds the names of the copies.
