@@ -1,22 +1,20 @@
 // tabwerk info: verdict, languages and the form for programs.
 #include <chrono>
-#include <nlohmann/json.hpp>
 
+#include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {
 namespace {
 
-using nlohmann::json;
-
 class ToolCard : public ToolTest {
  protected:
-  json Card(std::vector<std::string> arguments, int exit_code = 0) const {
+  Json Card(std::vector<std::string> arguments, int exit_code = 0) const {
     arguments.insert(arguments.begin(), "info");
     arguments.insert(arguments.end(), {"--format", "json"});
     auto const run = RunToLook(arguments);
     EXPECT_EQ(exit_code, run.exit_code) << run.err;
-    return json::parse(run.out)["files"];
+    return Json::Parse(run.out)["files"];
   }
 
   void DamageArticle() const {
@@ -28,9 +26,9 @@ class ToolCard : public ToolTest {
 
 TEST_F(ToolCard, SaysTheSameToPrograms) {
   MakeStock();
-  json const files = Card({"stock.db", "STOCK.UDB"});
-  ASSERT_EQ(2U, files.size());
-  json const& card = files[0];
+  Json const files = Card({"stock.db", "STOCK.UDB"});
+  ASSERT_EQ(2U, files.Size());
+  Json const card = files[0];
   EXPECT_EQ("stock.db", card["file"]);
   EXPECT_EQ("main", card["role"]);
   EXPECT_EQ("version 2025 with time", card["header"]);
@@ -40,10 +38,10 @@ TEST_F(ToolCard, SaysTheSameToPrograms) {
   EXPECT_EQ(folder_.Content("stock.db").size(), card["bytes"]);
   EXPECT_EQ(2, card["rows"]);
   EXPECT_EQ(3, card["languages"]);
-  EXPECT_TRUE(card["index"].is_null());
+  EXPECT_TRUE(card["index"].IsNull());
   EXPECT_EQ("sound", card["verdict"]);
-  ASSERT_EQ(2U, card["tables"].size());
-  EXPECT_EQ(json::parse(R"({"name": "EMPTY", "rows": 0, "damaged": false,
+  ASSERT_EQ(2U, card["tables"].Size());
+  EXPECT_EQ(Json::Parse(R"({"name": "EMPTY", "rows": 0, "damaged": false,
                 "columns": [{"name": "ID", "type": "integer"},
                             {"name": "NAME", "type": "string"}]})"),
             card["tables"][1]);
@@ -57,28 +55,28 @@ TEST_F(ToolCard, SaysTheSameToPrograms) {
 TEST_F(ToolCard, TellsADamagedFile) {
   MakeMainFile();
   DamageArticle();
-  json const card = Card({"stock.db"}, 4)[0];
+  Json const card = Card({"stock.db"}, 4)[0];
   EXPECT_EQ("damaged", card["verdict"]);
-  EXPECT_EQ(true, card["tables"][0]["damaged"]);
-  EXPECT_TRUE(card["tables"][0]["rows"].is_null());
-  EXPECT_EQ(5U, card["tables"][0]["columns"].size());
-  EXPECT_EQ(false, card["tables"][1]["damaged"]);
+  EXPECT_TRUE(card["tables"][0]["damaged"].IsTrue());
+  EXPECT_TRUE(card["tables"][0]["rows"].IsNull());
+  EXPECT_EQ(5U, card["tables"][0]["columns"].Size());
+  EXPECT_EQ(Json::Parse("false"), card["tables"][1]["damaged"]);
 }
 
 TEST_F(ToolCard, TellsAFileWithoutTables) {
   folder_.Make("EMPTY.UDB", "");
-  json const card = Card({"EMPTY.UDB"})[0];
+  Json const card = Card({"EMPTY.UDB"})[0];
   EXPECT_EQ("empty", card["verdict"]);
-  EXPECT_TRUE(card["languages"].is_null());
-  EXPECT_TRUE(card["written"].is_null());
+  EXPECT_TRUE(card["languages"].IsNull());
+  EXPECT_TRUE(card["written"].IsNull());
 }
 
 TEST_F(ToolCard, TellsACutList) {
   MakeMainFile();
   folder_.Make("stock.db", folder_.Content("stock.db").substr(0, 40));
-  json const card = Card({"stock.db"}, 4)[0];
+  Json const card = Card({"stock.db"}, 4)[0];
   EXPECT_EQ("damaged", card["verdict"]);
-  EXPECT_EQ(json::array(), card["tables"]);
+  EXPECT_EQ(Json::Parse("[]"), card["tables"]);
 }
 
 TEST_F(ToolCard, CountsTheLanguagesOfTheExample) {

@@ -1,19 +1,16 @@
 // tabwerk diff.
 #include <algorithm>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
 
 #include "cli/diff_values.h"
 #include "tests/cli/expected.h"
-#include "tests/cli/json_schema.h"
+#include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {
 namespace {
-
-using nlohmann::json;
 
 constexpr char kDefinition[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME,real PRICE\n";
@@ -46,12 +43,12 @@ class ToolDiff : public ToolTest {
             "3|4|0|Third pin|3"}}});
   }
 
-  json Json(std::vector<std::string> const& arguments) const {
+  Json AsJson(std::vector<std::string> const& arguments) const {
     std::vector<std::string> all = {"diff", "--format", "json"};
     all.insert(all.end(), arguments.begin(), arguments.end());
     std::string const found = Run(all).out;
     EXPECT_EQ("", AgainstSchema("diff", found));
-    return json::parse(found, nullptr, false);
+    return Json::Parse(found);
   }
 };
 
@@ -89,12 +86,12 @@ TEST_F(ToolDiff, ColoursThem) {
 
 TEST_F(ToolDiff, HandsOutWhatItsSchemaDescribes) {
   MakePair();
-  json const found = Json({"a.db", "b.db"});
-  EXPECT_EQ(Expected("diff_json", found.dump(1) + "\n"), found.dump(1) + "\n");
-  EXPECT_FALSE(found["equal"].get<bool>());
+  Json const found = AsJson({"a.db", "b.db"});
+  EXPECT_EQ(Expected("diff_json", found.Dump(1) + "\n"), found.Dump(1) + "\n");
+  EXPECT_FALSE(found["equal"].IsTrue());
   EXPECT_EQ(5, found["tableCount"]);
   EXPECT_EQ(4, found["differentCount"]);
-  EXPECT_TRUE(Json({"a.db", "a.db"})["equal"].get<bool>());
+  EXPECT_TRUE(AsJson({"a.db", "a.db"})["equal"].IsTrue());
 }
 
 TEST_F(ToolDiff, ComparesWhatIsAskedFor) {
@@ -103,26 +100,27 @@ TEST_F(ToolDiff, ComparesWhatIsAskedFor) {
   EXPECT_EQ(0,
             Run({"diff", "a.db", "b.db", "--tables", "SHAPE", "--columns", "A"})
                 .exit_code);
-  json const names =
-      Json({"a.db", "b.db", "--tables", "ARTICLE", "--ignore", "STATUS,NAME"});
-  EXPECT_EQ((json{{"same", 3}, {"changed", 0}, {"removed", 1}, {"added", 1}}),
-            names["tables"][0]["counts"]);
+  Json const names = AsJson(
+      {"a.db", "b.db", "--tables", "ARTICLE", "--ignore", "STATUS,NAME"});
+  EXPECT_EQ(
+      Json::Parse(R"({"same": 3, "changed": 0, "removed": 1, "added": 1})"),
+      names["tables"][0]["counts"]);
   auto const summary =
       Run({"diff", "a.db", "b.db", "--tables", "ARTICLE", "--summary"});
   EXPECT_EQ(
       "--- a.db\n+++ b.db\n\ntable ARTICLE\n  2 rows changed, 1 row removed, "
       "1 row added, 1 row the same\n\n1 of 1 table differs\n",
       summary.out);
-  json const few =
-      Json({"a.db", "b.db", "--tables", "ARTICLE", "--limit", "1"});
-  EXPECT_EQ(1U, few["tables"][0]["rows"].size());
+  Json const few =
+      AsJson({"a.db", "b.db", "--tables", "ARTICLE", "--limit", "1"});
+  EXPECT_EQ(1U, few["tables"][0]["rows"].Size());
   EXPECT_EQ(2, few["tables"][0]["counts"]["changed"]);
 }
 
 TEST_F(ToolDiff, ComparesRowsByNumberWithoutIds) {
   MakePair();
-  json const found =
-      Json({"a.db", "b.db", "--tables", "ARTICLE", "--ignore", "ID"});
+  Json const found =
+      AsJson({"a.db", "b.db", "--tables", "ARTICLE", "--ignore", "ID"});
   EXPECT_EQ("row", found["tables"][0]["key"]);
   EXPECT_EQ(0, found["tables"][0]["rows"][0]["key"]);
 }
@@ -278,12 +276,15 @@ TEST_F(ToolDiff, AgreesWithPlainMaps) {
     }
     Make("a.db", {{"T", "integer ID,string S,integer N\n", before}});
     Make("b.db", {{"T", "integer ID,string S,integer N\n", after}});
-    json const found = Json({"a.db", "b.db"});
+    Json const found = AsJson({"a.db", "b.db"});
     std::string text;
-    for (json const& table : found["tables"]) {
-      for (json const& row : table["rows"]) {
-        text += row["change"].get<std::string>() + " " + row["key"].dump() +
-                "." + row.value("occurrence", json(1)).dump() + "\n";
+    Json const tables = found["tables"];
+    for (std::size_t i = 0; i < tables.Size(); ++i) {
+      Json const rows = tables[i]["rows"];
+      for (std::size_t k = 0; k < rows.Size(); ++k) {
+        Json const row = rows[k];
+        text += row["change"].Text() + " " + row["key"].Dump() + "." +
+                (row.Has("occurrence") ? row["occurrence"].Dump() : "1") + "\n";
       }
     }
     EXPECT_EQ(PlainDiff(before, after), text) << round;

@@ -1,6 +1,6 @@
 // tabwerk find.
-#include <nlohmann/json.hpp>
 
+#include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {
@@ -82,10 +82,10 @@ TEST_F(ToolFind, GoesOnBehindADamagedTable) {
   bytes[bytes.find("real PRICE\n") + 15] = '\x7F';
   folder_.Make("a.db", bytes);
   auto const run = RunToLook({"find", "text", "a.db", "--format", "json"});
-  auto const rows = nlohmann::json::parse(run.out);
-  ASSERT_EQ(1U, rows.size());
+  auto const rows = Json::Parse(run.out);
+  ASSERT_EQ(1U, rows.Size());
   EXPECT_EQ("U", rows[0]["TABLE"]);
-  EXPECT_TRUE(rows[0]["LANGUAGE"].is_null());
+  EXPECT_TRUE(rows[0]["LANGUAGE"].IsNull());
   EXPECT_EQ(0U, run.err.find("a.db: error[TW124]: table T is damaged"));
   EXPECT_EQ(4, run.exit_code);
 }
@@ -103,10 +103,10 @@ TEST_F(ToolFind, FindsRowsOfALargeTable) {
       "main T 1999 1999 NAME 1 Zeile 1999|main T 11999 11999 NAME 1 Zeile "
       "11999|",
       Found({"Zeile 1?1999$", "a.db"}));
-  auto const all = nlohmann::json::parse(
+  auto const all = Json::Parse(
       Run({"find", "", "a.db", "--columns", "ROW", "--format", "json"}).out);
-  EXPECT_EQ(40000U, all.size());
-  EXPECT_EQ(19999, all.back()["ROW"]);
+  EXPECT_EQ(40000U, all.Size());
+  EXPECT_EQ(19999, all[39999]["ROW"]);
 }
 
 // Every text that the table shows in a language is found in that language.
@@ -114,20 +114,23 @@ TEST_F(ToolFind, FindsWhatTheTableShows) {
   MakeExample();
   for (int language = 0; language < 7; ++language) {
     std::string const number = std::to_string(language);
-    auto const shown = nlohmann::json::parse(
+    auto const shown = Json::Parse(
         Run({"show", "geo.db", "TERRITORY", "--language", number, "--match",
              "NAME=[\\s\\S]*an[\\s\\S]*", "--format", "json"})
             .out);
-    auto const found = nlohmann::json::parse(
+    auto const found = Json::Parse(
         Run({"find", "an", "geo.db", "-t", "TERRITORY", "--format", "json"})
             .out);
     std::vector<std::string> expected;
-    for (auto const& row : shown) expected.push_back(row["NAME"]);
+    for (std::size_t i = 0; i < shown.Size(); ++i) {
+      expected.push_back(shown[i]["NAME"].Text());
+    }
     std::vector<std::string> texts;
-    for (auto const& hit : found) {
-      if (hit["COLUMN"] != "NAME") continue;
-      if (hit["LANGUAGE"].is_null() || hit["LANGUAGE"] == language) {
-        texts.push_back(hit["TEXT"]);
+    for (std::size_t i = 0; i < found.Size(); ++i) {
+      Json const hit = found[i];
+      if (hit["COLUMN"].Text() != "NAME") continue;
+      if (hit["LANGUAGE"].IsNull() || hit["LANGUAGE"] == language) {
+        texts.push_back(hit["TEXT"].Text());
       }
     }
     EXPECT_EQ(expected, texts) << language;

@@ -1,5 +1,4 @@
-#include "tests/cli/json_schema.h"
-
+#include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {

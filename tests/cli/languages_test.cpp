@@ -1,8 +1,7 @@
 // tabwerk languages.
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/expected.h"
-#include "tests/cli/json_schema.h"
+#include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {
@@ -59,18 +58,18 @@ TEST_F(ToolLanguages, JsonIsAsItsSchemaSays) {
   MakeMixed();
   std::string const rows = Out({"--languages", "2", "--format", "json"});
   EXPECT_EQ("", AgainstSchema("languages", rows));
-  auto const document = nlohmann::json::parse(rows);
+  auto const document = Json::Parse(rows);
   // Three columns and the totals, each with two languages and those beyond.
-  EXPECT_EQ(nlohmann::json::parse(
+  EXPECT_EQ(Json::Parse(
                 R"({"TABLE": "FIRST", "COLUMN": "NAME", "LANGUAGE": 1,
                     "NAME": null, "SECTIONS": 5, "COMPLETE": 3, "EMPTY": 1,
                     "MISSING": 1, "BLOCKED": 0, "UNCLOSED": 0, "SURPLUS": 0,
                     "PERCENT": 60.0})"),
             document[1]);
-  EXPECT_TRUE(document.back()["TABLE"].is_null());
+  EXPECT_TRUE(document[document.Size() - 1]["TABLE"].IsNull());
   std::string const cells = Out({"--cells", "--format", "json"});
   EXPECT_EQ("", AgainstSchema("languages-cells", cells));
-  EXPECT_LE(5U, nlohmann::json::parse(cells).size());
+  EXPECT_LE(5U, Json::Parse(cells).Size());
   // The check of schemas can fail.
   EXPECT_NE("", AgainstSchema("languages", cells));
 }

@@ -1,9 +1,9 @@
 // tabwerk schema.
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/expected.h"
 // What the tool makes of the example is C++.
 #include "tests/cli/expected/schema_cpp.txt"
+#include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {
@@ -45,14 +45,14 @@ TEST_F(ToolSchema, ScriptMakesTheSameTables) {
 
 TEST_F(ToolSchema, JsonSaysWhatIsInTheFile) {
   MakeMainFile();
-  auto const document = nlohmann::json::parse(
-      RunToLook({"schema", "stock.db", "--as", "json"}).out);
+  auto const document =
+      Json::Parse(RunToLook({"schema", "stock.db", "--as", "json"}).out);
   EXPECT_EQ("stock.db", document["file"]);
-  ASSERT_EQ(2U, document["tables"].size());
-  auto const& article = document["tables"][0];
+  ASSERT_EQ(2U, document["tables"].Size());
+  auto const article = document["tables"][0];
   EXPECT_EQ("ARTICLE", article["name"]);
   EXPECT_EQ(24, article["record_bytes"]);
-  EXPECT_EQ(nlohmann::json::parse(R"({"name": "PRICE", "type": "real",
+  EXPECT_EQ(Json::Parse(R"({"name": "PRICE", "type": "real",
                                       "offset": 16, "bytes": 8})"),
             article["columns"][4]);
 }

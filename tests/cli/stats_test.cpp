@@ -1,21 +1,19 @@
 // tabwerk stats.
-#include <nlohmann/json.hpp>
 
+#include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
 namespace tabwerk::test {
 namespace {
 
-using nlohmann::json;
-
 class ToolStats : public ToolTest {
  protected:
-  json Stats(std::vector<std::string> arguments, int exit_code = 0) const {
+  Json Stats(std::vector<std::string> arguments, int exit_code = 0) const {
     arguments.insert(arguments.begin(), "stats");
     arguments.insert(arguments.end(), {"--format", "json"});
     auto const run = RunToLook(arguments);
     EXPECT_EQ(exit_code, run.exit_code) << run.err;
-    return json::parse(run.out);
+    return Json::Parse(run.out);
   }
 };
 
@@ -27,22 +25,22 @@ TEST_F(ToolStats, CountsRowsAndTexts) {
                 1000,
                 {{"T", kDefinition, {"1|abc|de", "2|abc|", "3|längster|de"}},
                  {"U", "integer ID\n", {"1"}}}});
-  json const rows = Stats({"a.db"});
-  ASSERT_EQ(2U, rows.size());
-  EXPECT_EQ(json::parse(R"({"PART": "main", "TABLE": "T", "ROWS": 3,
+  Json const rows = Stats({"a.db"});
+  ASSERT_EQ(2U, rows.Size());
+  EXPECT_EQ(Json::Parse(R"({"PART": "main", "TABLE": "T", "ROWS": 3,
                 "ROW_BYTES": 36, "TEXTS": 6, "TEXT_BYTES": 48,
                 "UNUSED_UNITS": 0, "REPEATED": 2, "REPEATED_UNITS": 7,
                 "LONGEST": 8, "ROOM": 8087, "ROW": 2, "COLUMN": "A"})"),
             rows[0]);
   EXPECT_EQ(0, rows[1]["TEXTS"]);
-  EXPECT_TRUE(rows[1]["LONGEST"].is_null());
-  EXPECT_TRUE(rows[1]["ROW"].is_null());
+  EXPECT_TRUE(rows[1]["LONGEST"].IsNull());
+  EXPECT_TRUE(rows[1]["ROW"].IsNull());
 }
 
 TEST_F(ToolStats, NumbersTheRowsOfBothFiles) {
   MakeStock();
-  json const rows = Stats({"stock.db", "STOCK.UDB"});
-  ASSERT_EQ(4U, rows.size());
+  Json const rows = Stats({"stock.db", "STOCK.UDB"});
+  ASSERT_EQ(4U, rows.Size());
   EXPECT_EQ("user", rows[2]["PART"]);
   EXPECT_EQ(1, rows[2]["ROWS"]);
   EXPECT_EQ(2, rows[2]["ROW"]);
@@ -62,8 +60,8 @@ TEST_F(ToolStats, FindsUnitsThatNoRowRefersTo) {
     bytes[places + 4] = second;
     bytes[places + 8] = third;
     folder_.Make("a.db", bytes);
-    json const row = Stats({"a.db"})[0];
-    return row["TEXTS"].dump() + " " + row["UNUSED_UNITS"].dump();
+    Json const row = Stats({"a.db"})[0];
+    return row["TEXTS"].Dump() + " " + row["UNUSED_UNITS"].Dump();
   };
   EXPECT_EQ("3 0", with_places(6, 13));
   EXPECT_EQ("2 7", with_places(0, 13));
@@ -77,7 +75,7 @@ TEST_F(ToolStats, TellsATextOverTheLimit) {
   MakeDatabase("a.db", {PlainHeader::kCurrent,
                         1000,
                         {{"T", "string A\n", {"x", std::string(9000, 'y')}}}});
-  json const row = Stats({"a.db"})[0];
+  Json const row = Stats({"a.db"})[0];
   EXPECT_EQ(9000, row["LONGEST"]);
   EXPECT_EQ(-905, row["ROOM"]);
   EXPECT_EQ(1, row["ROW"]);

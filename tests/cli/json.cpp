@@ -1,9 +1,13 @@
-#include "tests/cli/json_schema.h"
+#include "tests/cli/json.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <ostream>
 #include <set>
+#include <utility>
 
 #include "tests/support/places.h"
 
@@ -92,6 +96,59 @@ class Validator {
 };
 
 }  // namespace
+
+struct Json::Value {
+  json value;
+};
+
+Json::Json(std::shared_ptr<Value const> value) : value_(std::move(value)) {}
+Json::Json(std::string const& text) : Json(std::make_shared<Value>(text)) {}
+Json::Json(long long number) : Json(std::make_shared<Value>(number)) {}
+
+Json Json::Parse(std::string const& text) {
+  json value = json::parse(text, nullptr, false);
+  EXPECT_FALSE(value.is_discarded()) << "no JSON: " << text;
+  if (value.is_discarded()) value = nullptr;
+  return Json(std::make_shared<Value>(std::move(value)));
+}
+
+Json Json::operator[](char const* name) const {
+  EXPECT_TRUE(Has(name)) << name << " in " << *this;
+  return Json(
+      std::make_shared<Value>(Has(name) ? value_->value[name] : json()));
+}
+
+Json Json::operator[](std::size_t index) const {
+  json const& value = value_->value;
+  bool const is_there = value.is_array() && index < value.size();
+  EXPECT_TRUE(is_there) << index << " in " << *this;
+  return Json(std::make_shared<Value>(is_there ? value[index] : json()));
+}
+
+bool Json::Has(char const* name) const {
+  return value_->value.is_object() && value_->value.contains(name);
+}
+
+std::size_t Json::Size() const {
+  return value_->value.is_structured() ? value_->value.size() : 0;
+}
+bool Json::IsNull() const { return value_->value.is_null(); }
+bool Json::IsTrue() const { return value_->value == true; }
+
+std::string Json::Text() const {
+  json const& value = value_->value;
+  return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+std::string Json::Dump(int indent) const { return value_->value.dump(indent); }
+
+bool operator==(Json const& a, Json const& b) {
+  return a.value_->value == b.value_->value;
+}
+
+std::ostream& operator<<(std::ostream& stream, Json const& value) {
+  return stream << value.Dump();
+}
 
 std::string AgainstSchema(std::string const& name, std::string const& text) {
   std::ifstream file(ProjectPath("docs/schema/" + name + ".json"));
