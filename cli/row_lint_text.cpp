@@ -2,14 +2,13 @@
 #include <algorithm>
 
 #include "cli/row_lint.h"
+#include "cli/text_markers.h"
 #include "schema/format.h"
 
 namespace tabwerk::tool {
 namespace {
 
-constexpr std::u16string_view kOpening = u"#TS(";
-constexpr std::u16string_view kClosing = u")TS~";
-constexpr std::size_t kMarkerUnits = 4;
+constexpr std::size_t kMarkerUnits = kOpening.size();
 constexpr std::size_t kMaxTokenizedUnits = 16384;
 
 bool IsHigh(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
@@ -91,30 +90,30 @@ void RowLint::CheckSections(SplitValue const& value) {
   std::u16string_view const text = value.text;
   std::size_t at = 0;
   for (;;) {
-    std::size_t const begin = text.find(kOpening, at);
-    std::size_t const stray = text.substr(0, begin).find(kClosing, at);
+    SectionPlace const place = FindSection(text, at);
+    std::size_t const stray = text.substr(0, place.begin).find(kClosing, at);
     if (stray != text.npos) {
       Warn(TW(268), lines_.At(value.offset + stray, kMarkerUnits),
            "\")TS~\" without a \"#TS(\" before it becomes a part of the text",
            "take it out, or begin the section");
     }
-    if (begin == text.npos) return;
-    std::size_t const end = text.find(kClosing, begin);
-    if (end == text.npos) {
+    if (!place.IsThere()) return;
+    if (!place.IsClosed()) {
       is_open_ = true;
-      Warn(TW(265), lines_.At(value.offset + begin, kMarkerUnits),
+      Warn(TW(265), lines_.At(value.offset + place.begin, kMarkerUnits),
            "\"#TS(\" is not closed: the text is not translated, and commas "
            "behind it do not end the value",
            "end the section with \")TS~\"");
       return;
     }
-    std::size_t const inner = text.substr(0, end).find(kOpening, begin + 1);
+    std::size_t const inner =
+        text.substr(0, place.closing).find(kOpening, place.begin + 1);
     if (inner != text.npos) {
       Warn(TW(271), lines_.At(value.offset + inner, kMarkerUnits),
            "\"#TS(\" inside a section: the first \")TS~\" ends both",
            "close the section before it");
     }
-    at = end + kMarkerUnits;
+    at = place.End();
   }
 }
 

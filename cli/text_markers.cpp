@@ -5,22 +5,28 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr std::u16string_view kOpening = u"#TS(";
-constexpr std::u16string_view kClosing = u")TS~";
-constexpr char16_t kSeparator = u'\u00AC';
-constexpr auto kNone = std::u16string_view::npos;
+constexpr auto kNone = SectionPlace::kNone;
 
-std::vector<std::u16string_view> PiecesOf(std::u16string_view content) {
-  std::vector<std::u16string_view> pieces;
+}  // namespace
+
+SectionPlace FindSection(std::u16string_view text, std::size_t from) {
+  SectionPlace place;
+  place.begin = text.find(kOpening, from);
+  if (place.IsThere()) {
+    place.closing = text.find(kClosing, place.begin + kOpening.size());
+  }
+  return place;
+}
+
+void AddPieces(std::u16string_view content,
+               std::vector<std::u16string_view>* pieces) {
   for (;;) {
     auto const separator = content.find(kSeparator);
-    pieces.push_back(content.substr(0, separator));
-    if (separator == kNone) return pieces;
+    pieces->push_back(content.substr(0, separator));
+    if (separator == kNone) return;
     content.remove_prefix(separator + 1);
   }
 }
-
-}  // namespace
 
 bool HasMarkers(std::u16string_view text) {
   return text.find(kOpening) != kNone || text.find(kClosing) != kNone;
@@ -29,14 +35,11 @@ bool HasMarkers(std::u16string_view text) {
 std::vector<MarkedSection> MarkedSections(std::u16string_view text) {
   std::vector<MarkedSection> sections;
   for (std::size_t from = 0;;) {
-    auto const begin = text.find(kOpening, from);
-    if (begin == kNone) return sections;
-    auto const content = begin + kOpening.size();
-    auto const closing = text.find(kClosing, content);
-    if (closing == kNone) return sections;
-    from = closing + kClosing.size();
-    sections.push_back(
-        {begin, from, PiecesOf(text.substr(content, closing - content))});
+    auto const place = FindSection(text, from);
+    if (!place.IsClosed()) return sections;
+    from = place.End();
+    sections.push_back({place.begin, from, {}});
+    AddPieces(place.Content(text), &sections.back().pieces);
   }
 }
 

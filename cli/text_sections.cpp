@@ -2,15 +2,9 @@
 
 #include <algorithm>
 
+#include "cli/text_markers.h"
+
 namespace tabwerk::tool {
-namespace {
-
-constexpr std::u16string_view kOpening = u"#TS(";
-constexpr std::u16string_view kClosing = u")TS~";
-constexpr char16_t kSeparator = u'\u00AC';
-
-}  // namespace
-
 char const* SectionStateName(SectionState state) {
   switch (state) {
     case SectionState::kComplete:
@@ -33,35 +27,22 @@ void TextSections::Read(std::u16string_view text) {
   pieces_.clear();
   is_unclosed_ = false;
   std::size_t end = text.size();  // of what may be translated
-  for (std::size_t at = 0;;) {
-    std::size_t const begin = text.find(kOpening, at);
-    if (begin == text.npos) break;
-    std::size_t const content = begin + kOpening.size();
-    std::size_t const close = text.find(kClosing, begin);
-    is_unclosed_ = close == text.npos;
-    if (is_unclosed_) {
-      end = begin;
-      break;
-    }
-    AddPieces(text.substr(content, close - content));
-    at = close + kClosing.size();
+  SectionPlace place = FindSection(text, 0);
+  for (; place.IsClosed(); place = FindSection(text, place.End())) {
+    AddSection(place.Content(text));
   }
+  is_unclosed_ = place.IsThere();
+  if (is_unclosed_) end = place.begin;
   // A new opening marker would need a "#" that opens no section yet.
   auto const signs = std::count(
       text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), u'#');
   is_plain_ = static_cast<std::size_t>(signs) == sections_.size();
 }
 
-void TextSections::AddPieces(std::u16string_view content) {
-  Section section{pieces_.size(), 0};
-  for (;;) {
-    std::size_t const separator = content.find(kSeparator);
-    pieces_.push_back(content.substr(0, separator));
-    if (separator == content.npos) break;
-    content.remove_prefix(separator + 1);
-  }
-  section.last = pieces_.size();
-  sections_.push_back(section);
+void TextSections::AddSection(std::u16string_view content) {
+  std::size_t const first = pieces_.size();
+  AddPieces(content, &pieces_);
+  sections_.push_back({first, pieces_.size()});
 }
 
 std::size_t TextSections::MostPieces() const {
@@ -120,30 +101,26 @@ void TextSections::GetStatesStepByStep(
   std::u16string text(text_);
   TextSections section;
   for (std::size_t at = 0;;) {
-    std::size_t const begin = text.find(kOpening, at);
-    if (begin == text.npos) return;
-    std::size_t const close = text.find(kClosing, begin);
-    if (close == text.npos) {
+    SectionPlace const place = FindSection(text, at);
+    if (!place.IsThere()) return;
+    if (!place.IsClosed()) {
       states->push_back(SectionState::kUnclosed);
       return;
     }
-    std::size_t const content = begin + kOpening.size();
     section.pieces_.clear();
-    section.AddPieces(
-        std::u16string_view(text).substr(content, close - content));
-    std::size_t const end = close + kClosing.size();
+    section.AddSection(place.Content(text));
     if (language >= section.pieces_.size()) {
       states->push_back(SectionState::kMissing);
-      section.Read(std::u16string_view(text).substr(end));
+      section.Read(std::u16string_view(text).substr(place.End()));
       section.AddUntranslated(language, 0, states);
       return;
     }
     std::u16string const piece(section.pieces_[language]);
     states->push_back(piece.empty() ? SectionState::kEmpty
                                     : SectionState::kComplete);
-    text.replace(begin, end - begin, piece);
+    text.replace(place.begin, place.End() - place.begin, piece);
     // A new marker may begin in the units before the piece.
-    at = begin - std::min(begin, kOpening.size() - 1);
+    at = place.begin - std::min(place.begin, kOpening.size() - 1);
   }
 }
 

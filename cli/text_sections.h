@@ -50,7 +50,7 @@ class TextSections {
     std::size_t last;
   };
 
-  void AddPieces(std::u16string_view content);
+  void AddSection(std::u16string_view content);
   void AddUntranslated(std::size_t language, std::size_t first_section,
                        std::vector<SectionState>* states) const;
   void GetStatesStepByStep(std::size_t language,

@@ -5,14 +5,11 @@
 
 #include "DBbase.h"
 #include "cli/options.h"
+#include "cli/text_markers.h"
 #include "ztypes.h"
 
 namespace tabwerk::tool {
 namespace {
-
-constexpr std::u16string_view kOpening = u"#TS(";
-constexpr std::u16string_view kClosing = u")TS~";
-constexpr char16_t kSeparator = u'\u00AC';
 
 // The number; -1 for what is none.
 short ParseNumber(std::string const& text) {
@@ -32,15 +29,11 @@ std::string WrongChoice(std::string const& text) {
 
 int LanguageCount(std::u16string_view stored) {
   std::ptrdiff_t count = 0;
-  std::size_t opening = stored.find(kOpening);
-  while (opening != stored.npos) {
-    std::size_t const begin = opening + kOpening.size();
-    std::size_t const end = stored.find(kClosing, begin);
-    if (end == stored.npos) break;
-    auto const content = stored.substr(begin, end - begin);
+  SectionPlace place = FindSection(stored, 0);
+  for (; place.IsClosed(); place = FindSection(stored, place.End())) {
+    auto const content = place.Content(stored);
     count = std::max(
         count, 1 + std::count(content.begin(), content.end(), kSeparator));
-    opening = stored.find(kOpening, end + kClosing.size());
   }
   return static_cast<int>(count);
 }
