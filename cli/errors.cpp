@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "cli/console.h"
+#include "cli/findings.h"
 #include "cli/settings.h"
 #include "cli/text.h"
 #include "ztypes.h"
@@ -73,7 +74,9 @@ void Print(Problem const& problem, Severity severity) {
   // What was printed so far comes first where both go to one place.
   static_cast<void>(console::FlushOut());
   // Paths and names come from files and command lines of any bytes.
-  std::string const text = Describe(problem, severity, ColorsErr());
+  std::string const text = CurrentSettings().records
+                               ? FindingRecord(problem, severity) + "\n"
+                               : Describe(problem, severity, ColorsErr());
   console::Err(zWString::fromUtf8(text).toUtf8());
 }
 

@@ -3,6 +3,8 @@
 //   stock.script:7:19: error[TW213]: there is no data file "a.txt"; paths are …
 //       7 | TABLEDATA ARTICLE a.txt
 //         |                   ^~~~~
+//
+// or, where the output is JSON, as a line of JSON.
 #ifndef TABWERK_CLI_ERRORS_H
 #define TABWERK_CLI_ERRORS_H
 

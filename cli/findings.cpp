@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "cli/options.h"
+#include "cli/row_formats.h"
 #include "cli/settings.h"
 #include "cli/text.h"
 
@@ -22,6 +23,28 @@ Cell TextCell(std::string const& text) {
   return text;
 }
 
+std::vector<ColumnHead> Columns() {
+  return {{"severity"},
+          {"code"},
+          {"file"},
+          {"line", CellType::kInteger},
+          {"column", CellType::kInteger},
+          {"byte", CellType::kInteger},
+          {"message"},
+          {"advice"},
+          {"source"}};
+}
+
+std::vector<Cell> CellsOf(Problem const& problem, Severity severity) {
+  Place const& where = problem.where;
+  Cell byte;
+  if (where.byte) byte = *where.byte;
+  return {
+      SeverityText(severity), problem.code.Text(),      TextCell(where.file),
+      NumberCell(where.line), NumberCell(where.column), byte,
+      problem.what,           TextCell(problem.advice), TextCell(where.source)};
+}
+
 }  // namespace
 
 void AddFindingsOptions(Options& options, OutputOptions* output) {
@@ -32,34 +55,24 @@ void AddFindingsOptions(Options& options, OutputOptions* output) {
           "auto: messages");
 }
 
+std::string FindingRecord(Problem const& problem, Severity severity) {
+  return JsonObject(Columns(), CellsOf(problem, severity));
+}
+
 FindingsOut::FindingsOut(OutputOptions const& options)
     : options_(options), messages_(options.file), rows_(options) {}
 
 std::optional<Problem> FindingsOut::Begin() {
   if (AsMessages()) return messages_.Open();
-  return rows_.Begin({{"severity"},
-                      {"code"},
-                      {"file"},
-                      {"line", CellType::kInteger},
-                      {"column", CellType::kInteger},
-                      {"byte", CellType::kInteger},
-                      {"message"},
-                      {"advice"},
-                      {"source"}});
+  return rows_.Begin(Columns());
 }
 
 void FindingsOut::Add(Severity severity, Problem const& problem) {
   if (severity == Severity::kError) ++error_count_;
   if (severity == Severity::kWarning) ++warning_count_;
   if (CurrentSettings().quiet && severity != Severity::kError) return;
-  Place const& where = problem.where;
   if (!AsMessages()) {
-    Cell byte;
-    if (where.byte) byte = *where.byte;
-    rows_.Add({SeverityText(severity), problem.code.Text(),
-               TextCell(where.file), NumberCell(where.line),
-               NumberCell(where.column), byte, problem.what,
-               TextCell(problem.advice), TextCell(where.source)});
+    rows_.Add(CellsOf(problem, severity));
     return;
   }
   if (options_.limit && shown_count_ >= *options_.limit) return;

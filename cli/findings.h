@@ -8,6 +8,7 @@
 #define TABWERK_CLI_FINDINGS_H
 
 #include <optional>
+#include <string>
 
 #include "cli/errors.h"
 #include "cli/table_out.h"
@@ -17,9 +18,12 @@ namespace tabwerk::tool {
 // Adds --format, --limit, --columns and -o for findings.
 void AddFindingsOptions(Options& options, OutputOptions* output);
 
+// A finding as an object of JSON with the members severity, code, file, line,
+// column, byte, message, advice and source, null for what it lacks.
+std::string FindingRecord(Problem const& problem, Severity severity);
+
 // Hands findings out as they come: as messages with their places, or as rows
-// in a format of table_out.h with the columns severity, code, file, line,
-// column, byte, message, advice and source.
+// in a format of table_out.h with the columns of FindingRecord.
 class FindingsOut {
  public:
   // The options must outlive it.

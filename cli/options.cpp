@@ -185,6 +185,13 @@ std::vector<OptionText> Options::Texts() const {
   return texts;
 }
 
+std::string Options::Given(char const* name) const {
+  CLI::Option const* const option =
+      std::as_const(*app_).get_option_no_throw(name);
+  if (option == nullptr || option->results().empty()) return "";
+  return option->results().back();
+}
+
 Parsed Options::Parse(std::vector<std::string> arguments) {
   // The library takes them from the end.
   std::reverse(arguments.begin(), arguments.end());

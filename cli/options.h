@@ -111,6 +111,9 @@ class Options {
   // In the order in which they were added.
   std::vector<OptionText> Texts() const;
 
+  // The last word that the command line gave to an option of this name, even
+  // where the line was wrong; empty for none and where there is no such option.
+  std::string Given(char const* name) const;
   // Sets what the options are bound to; for those of a program.
   Parsed Parse(std::vector<std::string> arguments);
   // Whether the command line that was parsed names this command.

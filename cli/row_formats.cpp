@@ -71,29 +71,42 @@ std::string JsonText(nlohmann::json const& value) {
   return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
+// As they are written; a second column of one name gets another key.
+std::vector<std::string> KeysOf(std::vector<ColumnHead> const& columns) {
+  std::vector<std::string> keys;
+  std::set<std::string> taken;
+  for (ColumnHead const& column : columns) {
+    std::string name = column.name;
+    for (int i = 2; !taken.insert(name).second; ++i) {
+      name = fmt::format("{}_{}", column.name, i);
+    }
+    keys.push_back(JsonText(name));
+  }
+  return keys;
+}
+
+std::string ObjectOf(std::vector<std::string> const& keys,
+                     std::vector<Cell> const& cells) {
+  std::string text;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    text += i == 0 ? "{" : ", ";
+    text += keys[i] + ": " + JsonText(ToJson(cells[i]));
+  }
+  return cells.empty() ? "{}" : text + "}";
+}
+
 class Json : public RowFormat {
  public:
   Json(OutFile& file, bool as_array) : file_(file), as_array_(as_array) {}
 
   void Begin(std::vector<ColumnHead> const& columns) override {
-    std::set<std::string> taken;
-    for (ColumnHead const& column : columns) {
-      std::string name = column.name;
-      for (int i = 2; !taken.insert(name).second; ++i) {
-        name = fmt::format("{}_{}", column.name, i);
-      }
-      keys_.push_back(JsonText(name));
-    }
+    keys_ = KeysOf(columns);
     if (as_array_) file_.Write("[");
   }
   void Add(std::vector<Cell> const& cells) override {
     std::string text = as_array_ ? (is_first_ ? "\n  " : ",\n  ") : "";
     is_first_ = false;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      text += i == 0 ? "{" : ", ";
-      text += keys_[i] + ": " + JsonText(ToJson(cells[i]));
-    }
-    text += cells.empty() ? "{}" : "}";
+    text += ObjectOf(keys_, cells);
     if (!as_array_) text += "\n";
     file_.Write(text);
   }
@@ -198,6 +211,11 @@ std::unique_ptr<RowFormat> MakeTsv(OutFile& file) {
 
 std::unique_ptr<RowFormat> MakeJson(OutFile& file, bool as_array) {
   return std::make_unique<Json>(file, as_array);
+}
+
+std::string JsonObject(std::vector<ColumnHead> const& columns,
+                       std::vector<Cell> const& cells) {
+  return ObjectOf(KeysOf(columns), cells);
 }
 
 std::unique_ptr<RowFormat> MakeMarkdown(OutFile& file) {

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "cli/out_file.h"
 #include "cli/table_out.h"
@@ -22,6 +24,9 @@ std::unique_ptr<RowFormat> MakeTsv(OutFile& file);
 // shortest form that reads back as the same number, null for a missing value,
 // infinity and not-a-number.  A second column of one name is called NAME_2.
 std::unique_ptr<RowFormat> MakeJson(OutFile& file, bool as_array);
+// An object as it stands there, without a line feed; as many cells as columns.
+std::string JsonObject(std::vector<ColumnHead> const& columns,
+                       std::vector<Cell> const& cells);
 // A table of Markdown; characters that mean something to it are escaped, a line
 // end is <br>.
 std::unique_ptr<RowFormat> MakeMarkdown(OutFile& file);

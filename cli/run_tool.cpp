@@ -26,6 +26,14 @@ DeclaredCommand const* CommandInUse(Parser const& parser) {
   return nullptr;
 }
 
+// Whoever reads the output as JSON reads problems as JSON.
+void ChooseFormOfProblems(Parser const& parser) {
+  DeclaredCommand const* const command = CommandInUse(parser);
+  if (command == nullptr) return;
+  std::string const format = command->options.Given("--format");
+  CurrentSettings().records = format == "json" || format == "ndjson";
+}
+
 // Help that was asked for, or what is wrong with the command line.
 ExitCode AnswerParser(Parser& parser, Parsed const& parsed) {
   DeclaredCommand const* const command = CommandInUse(parser);
@@ -92,6 +100,7 @@ ExitCode Dispatch(std::vector<std::string> arguments) {
   }
   Parser parser;
   Parsed const parsed = parser.options().Parse(std::move(arguments));
+  ChooseFormOfProblems(parser);
   if (parsed.outcome != Parsed::Outcome::kRun) {
     return AnswerParser(parser, parsed);
   }

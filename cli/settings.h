@@ -12,6 +12,7 @@ struct Settings {
   bool quiet = false;          // errors only: no warnings, progress, summaries
   bool verbose = false;        // says what is done on the way
   std::string color = "auto";  // "auto", "always" or "never"
+  bool records = false;        // problems are lines of JSON
 };
 
 // Those of this run.

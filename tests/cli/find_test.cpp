@@ -86,7 +86,7 @@ TEST_F(ToolFind, GoesOnBehindADamagedTable) {
   ASSERT_EQ(1U, rows.Size());
   EXPECT_EQ("U", rows[0]["TABLE"]);
   EXPECT_TRUE(rows[0]["LANGUAGE"].IsNull());
-  EXPECT_EQ(0U, run.err.find("a.db: error[TW124]: table T is damaged"));
+  EXPECT_EQ("TW124", Json::Parse(run.err)["code"]);
   EXPECT_EQ(4, run.exit_code);
 }
 

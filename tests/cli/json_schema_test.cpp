@@ -1,3 +1,5 @@
+#include <sstream>
+
 #include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
 
@@ -21,6 +23,55 @@ TEST_F(ToolJson, IsAsItsSchemaSays) {
   }
   EXPECT_EQ("", AgainstSchema("schema",
                               Run({"schema", "geo.db", "--as", "json"}).out));
+}
+
+// Every line as docs/schema/problem.json says; "severity code file|…".
+std::string Records(std::string const& lines) {
+  std::string found;
+  std::istringstream stream(lines);
+  for (std::string line; std::getline(stream, line);) {
+    EXPECT_EQ("", AgainstSchema("problem", line));
+    Json const record = Json::Parse(line);
+    found += record["severity"].Text() + " " + record["code"].Text() + " " +
+             record["file"].Text() + "|";
+  }
+  return found;
+}
+
+TEST_F(ToolJson, HoldsTheProblemsWhereTheOutputIsJson) {
+  MakeStock();
+  std::string bytes = folder_.Content("stock.db");
+  bytes[bytes.find("real PRICE\n") + 15] = '\x7F';
+  folder_.Make("bad.db", bytes);
+  for (char const* const format : {"json", "ndjson"}) {
+    auto const run = RunToLook(
+        {"find", "x", "bad.db", "--format", format, "--color=always"});
+    EXPECT_EQ("error TW124 bad.db|", Records(run.err)) << run.err;
+    EXPECT_EQ(4, run.exit_code);
+  }
+  EXPECT_EQ("error TW110 none.db|",
+            Records(Run({"diff", "--format=json", "none.db", "stock.db"}).err));
+  EXPECT_EQ("error TW132 stock.db|",
+            Records(Run({"show", "stock.db", "ARTICLE", "--id", "7", "--format",
+                         "json"})
+                        .err));
+  // What is wrong with the command line, too, however early.
+  for (char const* const wrong : {"--nonsense", "--limit=x", "--row"}) {
+    auto const run = Run({"show", "--format", "ndjson", "stock.db", wrong});
+    EXPECT_EQ("error TW101 null|", Records(run.err)) << wrong << run.err;
+    EXPECT_EQ(2, run.exit_code);
+  }
+  // A format in another place is none.
+  EXPECT_EQ(0U, Run({"find", "--format", "none.db", "--literal"})
+                    .err.find("tabwerk: error[TW101]: "));
+  EXPECT_EQ(0U, Run({"info", "none.db"}).err.find("none.db: error[TW110]: "));
+}
+
+TEST_F(ToolJson, HoldsFindings) {
+  folder_.Make("a.script", "tabledef T\nINTEGER ID\n");
+  auto const run = RunToLook({"lint", "a.script", "--format", "ndjson"});
+  EXPECT_EQ("", run.err);
+  EXPECT_NE("", Records(run.out));
 }
 
 TEST_F(ToolJson, IsComparedInEveryPart) {
