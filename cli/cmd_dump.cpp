@@ -1,12 +1,18 @@
 // tabwerk dump: the rows of one file of a table as they are stored.
+#include <optional>
 #include <string>
 
 #include "DBTabelle.h"
+#include "DBbase.h"
 #include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/files.h"
 #include "cli/out_file.h"
+#include "cli/row_query.h"
 #include "cli/session.h"
+#include "cli/table_out.h"
+#include "cli/table_rows.h"
+#include "cli/translated_text.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -20,15 +26,15 @@ class DumpCommand : public Command {
         .Add("--separator", separator_,
              "What stands between two values; \";\" otherwise")
         .Value("TEXT");
-    options
-        .Add("-o,--output", output_,
-             "Write to this file, which appears when it is complete; - "
-             "is standard output")
-        .Value("FILE");
     options.AddFlag("--user", user_, "The rows of USERFILE, not those of FILE");
+    AddFormatOptions(options, &output_);
+    options.Find("--format")
+        .Describe(
+            "table, csv, tsv, json, ndjson, md or list, with the names of the "
+            "columns; auto: values with --separator between them");
     options.Notes(
-        "Texts stand between double quotes as they are stored, with all\n"
-        "languages.  No file is changed.");
+        "Texts are as they are stored, with all languages; without --format\n"
+        "they stand between double quotes.  No file is changed.");
   }
 
   ExitCode Run() override {
@@ -36,13 +42,20 @@ class DumpCommand : public Command {
       return Report({TW(105), "", "--user needs a USERFILE",
                      "name the user file behind FILE"});
     }
+    bool const has_format = output_.format != "auto";
+    if (has_format && separator_) {
+      return Report({TW(101), "", "--separator is not for --format",
+                     "leave one of them out"});
+    }
     if (auto const problem = OpenToLook(files_)) return Report(*problem);
     DBTabelle* table = nullptr;
     if (auto const problem = FindTable(files_, table_, &table)) {
       return Report(*problem);
     }
-    std::wstring separator = zWString::fromUtf8(separator_).toStdWString();
-    OutFile file(output_);
+    if (has_format) return PrintRowsOf(*table);
+    std::wstring separator =
+        zWString::fromUtf8(separator_.value_or(";")).toStdWString();
+    OutFile file(output_.file);
     if (file.IsStandardOutput() && console::OutTakesUtf8()) {
       return Answer(table->Dump(stdout, separator.data(), user_));
     }
@@ -51,6 +64,17 @@ class DumpCommand : public Command {
   }
 
  private:
+  ExitCode PrintRowsOf(DBTabelle& table) const {
+    RowChoice choice(table, LanguageChoice{"raw"});
+    RowQuery query;
+    query.part = user_ ? "user" : "main";
+    if (auto const problem = choice.Apply(query)) return Report(*problem);
+    DBbase::SetSprache(kAsStored);
+    TableRows rows(table);
+    auto const problem = PrintRows(rows, choice.rows(), table_, output_);
+    return problem ? Report(*problem) : ExitCode::kDone;
+  }
+
   // The result of a dump is the number of rows and 1.
   ExitCode Answer(int result) const {
     if (result > 0) return ExitCode::kDone;
@@ -80,9 +104,9 @@ class DumpCommand : public Command {
 
   DatabaseFiles files_;
   std::string table_;
-  std::string separator_ = ";";
-  std::string output_;
+  std::optional<std::string> separator_;
   bool user_ = false;
+  OutputOptions output_;
 };
 
 }  // namespace
@@ -93,6 +117,8 @@ CommandEntry const kDumpCommand = {
     Group::kLook,
     "Print a table as it is stored, texts in all languages",
     {{"dump geo.db -t CURRENCY", "the shipped rows"},
+     {"dump geo.db -t CURRENCY --format csv -o currency.csv",
+      "the same for a spreadsheet, texts in all languages"},
      {"dump geo.db GEO.UDB -t CURRENCY --user", "the user's rows"}},
     &MakeCommand<DumpCommand>};
 

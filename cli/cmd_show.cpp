@@ -6,7 +6,6 @@
 #include "DBbase.h"
 #include "cli/commands.h"
 #include "cli/database_file.h"
-#include "cli/progress.h"
 #include "cli/row_query.h"
 #include "cli/session.h"
 #include "cli/table_out.h"
@@ -52,7 +51,7 @@ class ShowCommand : public Command {
     } else {
       DBbase::SetSprache(language_.Number());
     }
-    if (auto const problem = PrintRows(rows, choice.rows())) {
+    if (auto const problem = PrintRows(rows, choice.rows(), table_, output_)) {
       return Report(*problem);
     }
     return ReportMissing(choice.missing());
@@ -81,23 +80,6 @@ class ShowCommand : public Command {
                      "name the user file behind FILE"};
     }
     return std::nullopt;
-  }
-
-  std::optional<Problem> PrintRows(TableRows& rows,
-                                   std::vector<long> const& chosen) const {
-    TableOut out(output_);
-    if (auto problem = out.Begin(rows.Heads())) return problem;
-    auto const count = static_cast<long long>(chosen.size());
-    // A terminal that takes the rows needs no other sign of life.
-    std::optional<Progress> progress;
-    if (!out.IsTerminal()) progress.emplace("writing " + table_, count, "row");
-    long long done = 0;
-    for (long const row : chosen) {
-      if (!out.WantsMore()) break;
-      out.Add(rows.Row(row, out));
-      if (progress) progress->Advance(++done);
-    }
-    return out.End(count);
   }
 
   ExitCode ReportMissing(std::vector<std::string> const& missing) const {

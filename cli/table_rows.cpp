@@ -1,12 +1,12 @@
 #include "cli/table_rows.h"
 
 #include <algorithm>
-#include <string>
 #include <utility>
 
 #include "DBDirectory.h"
 #include "DBbase.h"
 #include "cli/files.h"
+#include "cli/progress.h"
 #include "cli/table_list.h"
 #include "cli/translated_text.h"
 #include "ztypes.h"
@@ -89,6 +89,25 @@ Cell TableRows::Value(Column const& column) {
       break;
   }
   return {};
+}
+
+std::optional<Problem> PrintRows(TableRows& rows,
+                                 std::vector<long> const& chosen,
+                                 std::string const& table,
+                                 OutputOptions const& options) {
+  TableOut out(options);
+  if (auto problem = out.Begin(rows.Heads())) return problem;
+  auto const count = static_cast<long long>(chosen.size());
+  // A terminal that takes the rows needs no other sign of life.
+  std::optional<Progress> progress;
+  if (!out.IsTerminal()) progress.emplace("writing " + table, count, "row");
+  long long done = 0;
+  for (long const row : chosen) {
+    if (!out.WantsMore()) break;
+    out.Add(rows.Row(row, out));
+    if (progress) progress->Advance(++done);
+  }
+  return out.End(count);
 }
 
 }  // namespace tabwerk::tool

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "DBTabelle.h"
@@ -38,6 +39,12 @@ class TableRows {
   long row_count_;
   std::vector<Column> columns_;
 };
+
+// Hands out the rows of these numbers; table is what the user calls it.
+std::optional<Problem> PrintRows(TableRows& rows,
+                                 std::vector<long> const& chosen,
+                                 std::string const& table,
+                                 OutputOptions const& options);
 
 }  // namespace tabwerk::tool
 

@@ -253,6 +253,27 @@ TEST_F(ToolDump, PrintsTheUsersRows) {
   EXPECT_EQ(0, run.exit_code);
 }
 
+TEST_F(ToolDump, HandsTheStoredRowsOutInEachFormat) {
+  MakeStock();
+  EXPECT_EQ(
+      "ID,FOLGE,STATUS,NAME,PRICE\n"
+      "1,1,0,#TS(Bolt¬Bolzen¬ボルト)TS~,0.25\n"
+      "2,2,0,Nut,1.5\n",
+      RunToLook(
+          {"dump", "stock.db", "STOCK.UDB", "-t", "ARTICLE", "--format", "csv"})
+          .out);
+  EXPECT_EQ(
+      "{\"ID\": 20000, \"FOLGE\": 3, \"STATUS\": 0, \"NAME\": \"Washer\", "
+      "\"PRICE\": 0.5}\n",
+      RunToLook({"dump", "stock.db", "STOCK.UDB", "-t", "ARTICLE", "--user",
+                 "--format", "ndjson"})
+          .out);
+  auto const run = Run({"dump", "stock.db", "-t", "ARTICLE", "--format", "tsv",
+                        "--separator", ","});
+  EXPECT_EQ(0U, run.err.find("tabwerk: error[TW101]: --separator is not for "));
+  EXPECT_EQ(2, run.exit_code);
+}
+
 TEST_F(ToolDump, PrintsNothingForAnEmptyTable) {
   MakeStock();
   auto const run = Run({"dump", "stock.db", "-t", "EMPTY"});
