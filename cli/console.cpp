@@ -1,6 +1,7 @@
 #include "cli/console.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 
@@ -16,6 +17,8 @@
 #else
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include <csignal>
 #endif
 
 namespace tabwerk::tool::console {
@@ -24,11 +27,18 @@ namespace {
 constexpr int kUnknownWidth = 80;
 
 bool out_failed = false;
+bool reader_left = false;
+
+// To be called right behind what failed.
+void NoteFailure() {
+  if (!out_failed) reader_left = errno == EPIPE;
+  out_failed = true;
+}
 
 void WriteBytes(std::FILE* stream, std::string_view text) {
   bool const whole =
       std::fwrite(text.data(), 1, text.size(), stream) == text.size();
-  if (!whole && stream == stdout) out_failed = true;
+  if (!whole && stream == stdout) NoteFailure();
 }
 
 }  // namespace
@@ -43,9 +53,11 @@ bool ReadIn(std::string* content) {
 }
 
 bool FlushOut() {
-  if (std::fflush(stdout) != 0) out_failed = true;
+  if (std::fflush(stdout) != 0) NoteFailure();
   return !OutFailed();
 }
+
+bool ReaderLeft() { return reader_left; }
 
 bool OutFailed() { return out_failed || std::ferror(stdout) != 0; }
 
@@ -89,6 +101,7 @@ void Write(std::FILE* stream, std::string_view text) {
 
 void SetUp() {
   out_failed = false;
+  reader_left = false;
   // A console does not see these bytes.
   static_cast<void>(_setmode(_fileno(stdin), _O_BINARY));
   static_cast<void>(_setmode(_fileno(stdout), _O_BINARY));
@@ -132,7 +145,7 @@ std::FILE* OpenStream(std::filesystem::path const& path, char const* mode) {
   return _wfopen(path.c_str(), std::wstring(mode, mode + strlen(mode)).c_str());
 }
 
-bool IsHeld(std::filesystem::path const& path) {
+bool IsHeld(std::filesystem::path const& path, bool) {
   HANDLE const handle =
       CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -145,7 +158,13 @@ bool IsHeld(std::filesystem::path const& path) {
 
 #else
 
-void SetUp() { out_failed = false; }
+void SetUp() {
+  out_failed = false;
+  reader_left = false;
+  // A pipe that nobody reads is a failure to write, not the end of the tool in
+  // the middle of its work.
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+}
 
 void Out(std::string_view text) { WriteBytes(stdout, text); }
 void Err(std::string_view text) { WriteBytes(stderr, text); }
@@ -180,10 +199,10 @@ std::FILE* OpenStream(std::filesystem::path const& path, char const* mode) {
   return std::fopen(path.c_str(), mode);
 }
 
-bool IsHeld(std::filesystem::path const& path) {
+bool IsHeld(std::filesystem::path const& path, bool for_writing) {
   // The share modes are the library's own: the system does not know them, so
   // it is them when the system would let us in.
-  return access(path.c_str(), R_OK) == 0;
+  return access(path.c_str(), for_writing ? R_OK | W_OK : R_OK) == 0;
 }
 
 #endif

@@ -23,6 +23,8 @@ void Err(std::string_view text);
 [[nodiscard]] bool FlushOut();
 // True once output was lost, for example because nobody reads the pipe.
 bool OutFailed();
+// True when that is why: whoever read it has seen enough.
+bool ReaderLeft();
 
 bool OutIsTerminal();
 bool ErrIsTerminal();
@@ -42,9 +44,9 @@ bool OutTakesUtf8();
 // As fopen, for any path.
 std::FILE* OpenStream(std::filesystem::path const& path, char const* mode);
 
-// For a file that is there and that the library does not open: true when
-// another opener is the reason.
-bool IsHeld(std::filesystem::path const& path);
+// For a file that is there and that the library does not open, to write it or
+// only to read: true when another opener is the reason.
+bool IsHeld(std::filesystem::path const& path, bool for_writing);
 
 }  // namespace tabwerk::tool::console
 

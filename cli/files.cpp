@@ -64,7 +64,8 @@ Problem WhyNotRead(std::string const& file, Access access) {
   if (access != Access::kRead && IsReadOnly(path)) {
     return {TW(113), file, "the file is read-only", "make it writable first"};
   }
-  if (fs::is_regular_file(path, error) && console::IsHeld(path)) {
+  if (fs::is_regular_file(path, error) &&
+      console::IsHeld(path, access != Access::kRead)) {
     return {TW(114), file, "another process holds the file",
             "close the program that uses it and try again"};
   }

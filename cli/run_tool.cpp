@@ -121,10 +121,11 @@ int RunTool(std::vector<std::string> arguments) {
   } catch (std::exception const& exception) {
     code = Report({TW(122), "", exception.what(), ""});
   }
-  // What a command has found is lost as well.
+  // What a command has found is lost as well.  A reader that has closed the
+  // pipe does not miss it.
   bool const is_looked_for =
       code == ExitCode::kDone || code == ExitCode::kFindings;
-  if (!console::FlushOut() && is_looked_for) {
+  if (!console::FlushOut() && !console::ReaderLeft() && is_looked_for) {
     code = Report({TW(120), "", "the output could not be written",
                    "check where it goes and the space there"});
   }

@@ -133,7 +133,9 @@ namespace {
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
-  if (chdir(folder.c_str()) == 0) execv(pointers.front(), pointers.data());
+  if (chdir(folder.c_str()) != 0) _exit(127);
+  if (call.prepare != nullptr) call.prepare();
+  execv(pointers.front(), pointers.data());
   _exit(127);
 }
 

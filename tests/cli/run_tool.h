@@ -22,6 +22,10 @@ struct ToolCall {
   // Variables beside those of the test; an empty value stands for "not set".
   // NO_COLOR and TERM never come from the test.
   std::vector<std::pair<std::string, std::string>> environment;
+#ifndef _WIN32
+  // Called in the new process, when its streams are set, before the tool.
+  void (*prepare)() = nullptr;
+#endif
 };
 
 // Starts it in that folder and waits.  Its output goes to files, as it would go

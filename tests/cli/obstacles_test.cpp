@@ -1,0 +1,251 @@
+// What stands in the way of the commands that write: whatever it is, they say
+// so, change nothing and leave nothing behind.
+#include <ostream>
+
+#include "DBDirectory.h"
+#include "tests/cli/tool_test.h"
+
+#ifndef _WIN32
+#include <grp.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#endif
+
+namespace tabwerk::test {
+namespace {
+
+struct WritingCommand {
+  std::string name;
+  std::vector<std::string> arguments;
+  std::string target;  // what it writes
+};
+
+std::ostream& operator<<(std::ostream& stream, WritingCommand const& command) {
+  return stream << command.name;
+}
+
+WritingCommand RowCommand(std::string const& name,
+                          std::vector<std::string> const& more) {
+  std::vector<std::string> words = {name, "stock.db", "STOCK.UDB", "-t",
+                                    "ARTICLE"};
+  words.insert(words.end(), more.begin(), more.end());
+  return {name, words, "STOCK.UDB"};
+}
+
+// All, or those that replace a file that is there.
+std::vector<WritingCommand> WritingCommands(bool replacing) {
+  std::vector<WritingCommand> commands = {
+      {"build", {"build", "stock.script"}, "stock.db"},
+      RowCommand("import", {"rows.csv"}),
+      RowCommand("add", {"NAME=Rivet"}),
+      RowCommand("set", {"PRICE=7", "--id", "20000"}),
+      RowCommand("activate", {"--id", "2"}),
+      RowCommand("deactivate", {"--id", "1"}),
+      RowCommand("move", {"--id", "1", "--last"}),
+  };
+  if (replacing) return commands;
+  commands.push_back({"export", {"export", "stock.db", "-d", "out"}, "out"});
+  commands.push_back(
+      {"convert", {"convert", "stock.db", "-o", "b.db"}, "b.db"});
+  return commands;
+}
+
+class ToolObstacle : public ToolTest,
+                     public testing::WithParamInterface<WritingCommand> {
+ protected:
+  // Texts that are longer than every message.
+  ToolObstacle() {
+    constexpr char kDefinition[] =
+        "integer ID,integer FOLGE,integer STATUS,string NAME,real PRICE\n";
+    std::string const text(1500, 'x');
+    MakeDatabase("stock.db",
+                 {PlainHeader::kCurrent,
+                  1000,
+                  {{"ARTICLE",
+                    kDefinition,
+                    {"1|1|0|" + text + "|1", "2|2|0|" + text + "|1"}}}});
+    MakeDatabase("STOCK.UDB",
+                 {PlainHeader::kCurrent,
+                  2000,
+                  {{"ARTICLE", kDefinition, {"20000|3|0|" + text + "|2"}}}});
+    folder_.Make("rows.csv", "NAME\nRivet\n");
+    folder_.Make("stock.script",
+                 "NEWDATABASE stock stock.db\nNEWTABLE T\nNAME string\nENDDEF\n"
+                 "TABLEDATA T t.txt\n");
+    MakeUnits("t.txt", "\"" + text + "\"\n");
+    folder_.MakeFolder("temp");
+    // An index file is there and belongs to the database.
+    auto const run = Run(
+        {"deactivate", "stock.db", "STOCK.UDB", "-t", "ARTICLE", "--id", "2"});
+    EXPECT_EQ(0, run.exit_code) << run.err;
+  }
+
+  ToolCall Call() const {
+    std::string const temp = folder_.PathUtf8("temp");
+    std::vector<std::string> words = GetParam().arguments;
+    // import names its rows first.
+    if (words.front() == "import") {
+      words.insert(words.begin() + 1, words.back());
+      words.pop_back();
+    }
+    return {words, "", {{"TMPDIR", temp}, {"TMP", temp}, {"TEMP", temp}}};
+  }
+
+  std::string Names() const {
+    std::string names;
+    for (auto const& entry :
+         std::filesystem::recursive_directory_iterator(folder_.folder())) {
+      names += " " + entry.path().filename().string();
+    }
+    return "there are" + names;
+  }
+
+  // It fails so, says so, and every file is as it was.
+  void Fails(ToolCall const& call, int exit_code) const {
+    std::string const before = Snapshot();
+    auto const run = RunWith(call);
+    EXPECT_EQ(exit_code, run.exit_code) << run.out << run.err;
+    EXPECT_NE(std::string::npos, run.err.find(": error[TW")) << run.err;
+    EXPECT_EQ("", run.out);
+    EXPECT_TRUE(before == Snapshot()) << Names();
+  }
+};
+
+TEST_P(ToolObstacle, NoneIsThere) {
+  std::string const before = Snapshot();
+  auto const run = RunWith(Call());
+  EXPECT_EQ(0, run.exit_code) << run.err;
+  EXPECT_TRUE(before != Snapshot());
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.folder() / "temp"));
+}
+
+// Of the commands that change a file that is there.
+class ToolReplacement : public ToolObstacle {};
+
+TEST_P(ToolReplacement, AnotherProcessHoldsTheFile) {
+  DBDirectory writer;
+  writer.Initialize(zWString(), {folder_.Path(GetParam().target)});
+  ASSERT_TRUE(writer.OpenDBdatei(0, true, false));
+  Fails(Call(), 5);
+}
+
+TEST_P(ToolReplacement, AFolderHasItsName) {
+  std::filesystem::remove(folder_.folder() / GetParam().target);
+  folder_.MakeFolder(GetParam().target);
+  Fails(Call(), 3);
+}
+
+TEST_P(ToolReplacement, ItsFolderIsNotThere) {
+  ToolCall call = Call();
+  bool is_named = false;
+  for (std::string& word : call.arguments) {
+    if (word != GetParam().target) continue;
+    word = "none/" + word;
+    is_named = true;
+  }
+  if (!is_named) {
+    folder_.Make("stock.script", "NEWDATABASE stock none/stock.db\n");
+  }
+  Fails(call, 3);
+}
+
+#ifndef _WIN32
+
+TEST_P(ToolObstacle, TheDiskIsFull) {
+  // A save that fails leaves there what it has written.
+  TempFolder const temp;
+  ToolCall call = Call();
+  call.environment = {{"TMPDIR", temp.PathUtf8("")}};
+  call.prepare = [] {
+    // What is written beyond is refused, as where there is no room.
+    rlimit const limit = {1024, 1024};
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
+  };
+  Fails(call, 3);
+}
+
+TEST_P(ToolObstacle, TheUserMayNotWrite) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+  ToolCall call = Call();
+  call.prepare = [] {
+    constexpr unsigned kNobody = 65534;
+    if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 ||
+        setuid(kNobody) != 0) {
+      _exit(126);
+    }
+  };
+  ToolCall version = {{"--version"}, "", {}};
+  version.prepare = call.prepare;
+  if (RunWith(version).exit_code != 0) {
+    GTEST_SKIP() << "the tool cannot be reached by nobody";
+  }
+  std::filesystem::permissions(folder_.folder(),
+                               std::filesystem::perms::others_all,
+                               std::filesystem::perm_options::remove);
+  std::filesystem::permissions(
+      folder_.folder(),
+      std::filesystem::perms::others_read | std::filesystem::perms::others_exec,
+      std::filesystem::perm_options::add);
+  // The folder for temporary files is open to all.
+  std::filesystem::permissions(folder_.folder() / "temp",
+                               std::filesystem::perms::all);
+  Fails(call, 3);
+}
+
+#endif
+
+std::string NameOf(testing::TestParamInfo<WritingCommand> const& test) {
+  return test.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, ToolObstacle,
+                         testing::ValuesIn(WritingCommands(false)), NameOf);
+INSTANTIATE_TEST_SUITE_P(Of, ToolReplacement,
+                         testing::ValuesIn(WritingCommands(true)), NameOf);
+
+#ifndef _WIN32
+
+using ToolPipe = ToolTest;
+
+// With standard output in a pipe that nobody reads any more.
+ToolCall WithoutReader(std::vector<std::string> const& arguments) {
+  ToolCall call = {arguments, "", {}};
+  call.prepare = [] {
+    int ends[2] = {};
+    if (pipe(ends) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) _exit(127);
+    close(ends[0]);
+    close(ends[1]);
+  };
+  return call;
+}
+
+TEST_F(ToolPipe, EndsQuietlyWhenNobodyReads) {
+  MakeExample();
+  MakeStock();
+  for (std::vector<std::string> const& arguments :
+       std::vector<std::vector<std::string>>{
+           {"show", "geo.db", "TERRITORY"},
+           {"show", "geo.db", "TERRITORY", "--format", "json"},
+           {"dump", "geo.db", "-t", "TERRITORY"},
+           {"find", "a", "geo.db"},
+           {"languages", "geo.db", "--cells"},
+           {"info", "geo.db"},
+           {"help"},
+           {"add", "stock.db", "STOCK.UDB", "-t", "ARTICLE", "NAME=Rivet"}}) {
+    auto const run = RunWith(WithoutReader(arguments));
+    EXPECT_EQ("", run.err) << arguments.front();
+    EXPECT_EQ(0, run.exit_code) << arguments.front();
+  }
+  EXPECT_NE(std::string::npos, Rows("STOCK.UDB", "ARTICLE").find("Rivet"));
+  // What was found stays found.
+  EXPECT_EQ(1,
+            RunWith(WithoutReader({"diff", "geo.db", "stock.db"})).exit_code);
+}
+
+#endif
+
+}  // namespace
+}  // namespace tabwerk::test
