@@ -32,6 +32,43 @@ BitTree::BitTree(std::size_t size) : size_(size), bits_(WordsFor(size)) {
   }
 }
 
+std::uint64_t BitTree::BitsFrom(std::int64_t first) const noexcept {
+  if (first <= -64 || bits_.empty()) return 0;
+  if (first < 0) return bits_[0] << -first;
+  auto const word = static_cast<std::size_t>(first) / 64;
+  auto const shift = static_cast<std::size_t>(first) % 64;
+  if (word >= bits_.size()) return 0;
+  std::uint64_t bits = bits_[word] >> shift;
+  if (shift != 0 && word + 1 < bits_.size()) {
+    bits |= bits_[word + 1] << (64 - shift);
+  }
+  return bits;
+}
+
+void BitTree::FillLevels() noexcept {
+  Words const* below_used = &bits_;
+  Words const* below_full = &bits_;
+  for (std::size_t level = 0; level < used_.size(); ++level) {
+    for (std::size_t word = 0; word < below_used->size(); ++word) {
+      if ((*below_used)[word] != 0) used_[level][word / 64] |= BitOf(word);
+      if ((*below_full)[word] == kFull) full_[level][word / 64] |= BitOf(word);
+    }
+    below_used = &used_[level];
+    below_full = &full_[level];
+  }
+}
+
+BitTree BitTree::Shifted(std::int64_t less, std::size_t size) const {
+  BitTree shifted(size);
+  std::int64_t first = less;
+  for (std::uint64_t& word : shifted.bits_) {
+    word = BitsFrom(first);
+    first += 64;
+  }
+  shifted.FillLevels();
+  return shifted;
+}
+
 void BitTree::Insert(std::size_t number) noexcept {
   std::uint64_t* word = &bits_[number / 64];
   bool was_used = *word != 0;

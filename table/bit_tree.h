@@ -22,6 +22,9 @@ class BitTree {
   bool Has(std::size_t number) const noexcept {
     return (bits_[number / 64] >> (number % 64) & 1) != 0;
   }
+  // The set of the same numbers, each less by that much, below another size.
+  // All of them must lie there.  Word by word.  Throws std::bad_alloc.
+  BitTree Shifted(std::int64_t less, std::size_t size) const;
   void Insert(std::size_t number) noexcept;
   void Remove(std::size_t number) noexcept;
   // Largest and smallest number of the set, which must not be empty.
@@ -32,6 +35,10 @@ class BitTree {
 
  private:
   using Words = std::vector<std::uint64_t>;
+
+  // The bits of 64 numbers from first on; no number beyond the set's is in it.
+  std::uint64_t BitsFrom(std::int64_t first) const noexcept;
+  void FillLevels() noexcept;
 
   std::size_t size_ = 0;
   Words bits_;

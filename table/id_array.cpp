@@ -1,5 +1,6 @@
 #include "table/id_array.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace tabwerk {
@@ -8,6 +9,24 @@ IdArray::IdArray(std::int64_t first, std::int64_t last)
     : first_(first),
       rows_(static_cast<std::size_t>(last - first + 1), kNoRow),
       present_(rows_.size()) {}
+
+IdArray IdArray::OverWindow(std::int64_t first, std::int64_t last) const {
+  IdArray moved;
+  auto const size = static_cast<std::size_t>(last - first + 1);
+  moved.first_ = first;
+  moved.rows_.resize(size, kNoRow);
+  auto const from = std::max(first, first_);
+  auto const behind =
+      std::min(last + 1, first_ + static_cast<std::int64_t>(rows_.size()));
+  if (from < behind) {
+    std::copy(rows_.begin() + (from - first_),
+              rows_.begin() + (behind - first_),
+              moved.rows_.begin() + (from - first));
+  }
+  moved.present_ = present_.Shifted(first - first_, size);
+  moved.count_ = count_;
+  return moved;
+}
 
 void IdArray::Set(std::int32_t id, std::int32_t row) noexcept {
   std::size_t const position = Position(id);

@@ -21,6 +21,10 @@ class IdArray {
   // An empty map over the IDs from first to last.  Throws std::bad_alloc.
   IdArray(std::int64_t first, std::int64_t last);
 
+  // The same entries over another window, which has all their IDs.  Throws
+  // std::bad_alloc.
+  IdArray OverWindow(std::int64_t first, std::int64_t last) const;
+
   std::size_t size() const noexcept { return count_; }
   // Number of IDs in the window.
   std::size_t WindowSize() const noexcept { return rows_.size(); }

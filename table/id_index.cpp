@@ -107,9 +107,7 @@ void IdIndex::Storage::MoveArray(Span span, std::int32_t id) {
   } else if (id == span.first) {
     span.first = std::max(kSmallestId, span.first - room);
   }
-  IdArray moved(span.first, span.last);
-  array.ForEach([&moved](auto entry, auto row) { moved.Set(entry, row); });
-  array = std::move(moved);
+  array = array.OverWindow(span.first, span.last);
 }
 
 // After many removals: a smaller window, or the hash.

@@ -211,4 +211,44 @@ TEST(BitTree, FindsTheEndsAndTheGaps) {
   }
 }
 
+// The same set, made number by number.
+BitTree PlainShifted(BitTree const& tree, std::int64_t less, std::size_t size) {
+  BitTree shifted(size);
+  for (std::size_t i = 0; i < tree.size(); ++i) {
+    if (!tree.Has(i)) continue;
+    shifted.Insert(
+        static_cast<std::size_t>(static_cast<std::int64_t>(i) - less));
+  }
+  return shifted;
+}
+
+TEST(BitTree, ShiftsAsIfEveryNumberWereInsertedAnew) {
+  auto const seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  for (int round = 0; round < 300; ++round) {
+    std::size_t const size = 1 + random() % 9000;
+    std::size_t const lowest = random() % size;
+    BitTree tree(size);
+    bool const dense = random() % 2 == 0;
+    for (auto i = lowest; i < size; ++i) {
+      if (dense || random() % 50 == 0) tree.Insert(i);
+    }
+    tree.Insert(lowest);
+    auto const less = static_cast<std::int64_t>(lowest) -
+                      static_cast<std::int64_t>(random() % 200);
+    auto const moved_size = static_cast<std::size_t>(
+        static_cast<std::int64_t>(size + random() % 200) - less);
+    auto const expected = PlainShifted(tree, less, moved_size);
+    auto const moved = tree.Shifted(less, moved_size);
+    ASSERT_EQ(expected.size(), moved.size());
+    ASSERT_EQ(expected.Smallest(), moved.Smallest());
+    ASSERT_EQ(expected.Largest(), moved.Largest());
+    for (std::size_t i = 0; i < moved_size; ++i) {
+      ASSERT_EQ(expected.Has(i), moved.Has(i));
+      ASSERT_EQ(expected.LowestMissing(i), moved.LowestMissing(i));
+    }
+  }
+}
+
 }  // namespace
