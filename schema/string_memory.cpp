@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::size_t kUnitSize = sizeof(char16_t);
+constexpr std::size_t kLimit = std::numeric_limits<std::int32_t>::max();
 
 char16_t const* Units(tabwerk::platform::Block const& block) noexcept {
   return static_cast<char16_t const*>(static_cast<void const*>(block.data()));
@@ -42,7 +43,6 @@ void DBStringMemory::Adopt(tabwerk::platform::Block units) noexcept {
 }
 
 std::optional<std::int32_t> DBStringMemory::Append(std::u16string_view text) {
-  constexpr std::size_t kLimit = std::numeric_limits<std::int32_t>::max();
   std::size_t const index = count();
   if (index > kLimit || text.size() >= kLimit - index) return std::nullopt;
   bool const inside = LiesIn(units_, text);
@@ -56,6 +56,16 @@ std::optional<std::int32_t> DBStringMemory::Append(std::u16string_view text) {
     char16_t const* const from = inside ? Units(units_) + place : text.data();
     std::memcpy(units_.data() + index * kUnitSize, from,
                 text.size() * kUnitSize);
+  }
+  return static_cast<std::int32_t>(index);
+}
+
+std::optional<std::int32_t> DBStringMemory::AppendEmpty(
+    std::uint32_t text_count) {
+  std::size_t const index = count();
+  if (index > kLimit || text_count > kLimit - index ||
+      !units_.Resize((index + text_count) * kUnitSize)) {
+    return std::nullopt;
   }
   return static_cast<std::int32_t>(index);
 }

@@ -59,6 +59,8 @@ class DBStringMemory {
   // Appends a text and a NUL; its index, or nothing (and no change) without
   // memory or when the index would not fit into 31 bits.
   [[nodiscard]] std::optional<std::int32_t> Append(std::u16string_view text);
+  // Appends so many empty texts; the index of the first one, as Append.
+  [[nodiscard]] std::optional<std::int32_t> AppendEmpty(std::uint32_t count);
   // Overwrites the text at index in place; text must not be longer than it.
   // Units behind the new NUL keep their content.
   void Overwrite(std::int32_t index, std::u16string_view text) noexcept;

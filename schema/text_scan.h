@@ -34,6 +34,28 @@ inline constexpr std::uint64_t ZeroUnits(std::uint64_t word) noexcept {
 
 }  // namespace scan
 
+// A text that ends with a NUL, wherever that is: nothing behind it may be read,
+// so four comparisons at a time are the most.
+inline std::u16string_view TextFrom(char16_t const* text) noexcept {
+  char16_t const* end = text;
+  for (;; end += scan::kUnitsPerWord) {
+    if (end[0] == 0) break;
+    if (end[1] == 0) {
+      end += 1;
+      break;
+    }
+    if (end[2] == 0) {
+      end += 2;
+      break;
+    }
+    if (end[3] == 0) {
+      end += 3;
+      break;
+    }
+  }
+  return {text, static_cast<std::size_t>(end - text)};
+}
+
 // The text at the start of units: up to the first NUL, or all of them.
 inline ScannedText ScanText(std::u16string_view units) noexcept {
   std::uint64_t found = 0;

@@ -9,6 +9,7 @@
 #include "DBTabelle.h"
 #include "platform/guarded.h"
 #include "schema/bytes.h"
+#include "schema/format.h"
 #include "schema/layout.h"
 #include "schema/part.h"
 #include "table/id_index.h"
@@ -17,6 +18,7 @@
 
 namespace {
 
+using tabwerk::DefinitionAccess;
 using tabwerk::TablePart;
 
 constexpr std::int32_t kFirstUserId = 20000;
@@ -36,22 +38,6 @@ std::uint32_t CountStringFields(DBFeld const* field) {
   return count;
 }
 
-// Appends empty texts; the index of the first one, the others follow it.
-// Nothing, and no change, without memory.
-std::optional<std::int32_t> AppendEmptyTexts(DBStringMemory* strings,
-                                             std::uint32_t text_count) {
-  std::uint32_t const count_before = strings->count();
-  std::optional<std::int32_t> first = 0;
-  for (std::uint32_t i = 0; i < text_count; ++i) {
-    std::optional<std::int32_t> const index = strings->Append({});
-    if (i == 0) first = index;
-    if (index) continue;
-    strings->Truncate(count_before);
-    return std::nullopt;
-  }
-  return first;
-}
-
 // Integers and reals are zero; strings name the texts from first_text on.  A
 // field that does not lie inside the record is left out.
 void FillRecord(std::byte* record, std::int32_t record_size,
@@ -60,8 +46,9 @@ void FillRecord(std::byte* record, std::int32_t record_size,
   for (; field != nullptr; field = field->next) {
     if (field->type != DBTypeString) continue;
     auto const text = first_text++;
-    if (tabwerk::LiesInRecord(field->type, field->offset, record_size)) {
-      tabwerk::StoreValue(record + field->offset, text);
+    std::int32_t const offset = field->offset;
+    if (offset >= 0 && offset <= record_size - tabwerk::format::kStringSize) {
+      tabwerk::StoreValue(record + offset, text);
     }
   }
 }
@@ -70,18 +57,16 @@ void FillRecord(std::byte* record, std::int32_t record_size,
 // False, and no change, when the rows in use are not all in memory, memory is
 // exhausted, or a size would not fit into 31 bits.
 bool AppendRecord(TablePart* part, DBDefinition const& definition) {
-  auto const record_size =
-      static_cast<std::int32_t>(definition.GetMemorySize());
+  std::int32_t const record_size = DefinitionAccess::RecordSize(definition);
   if (record_size <= 0 || part->damaged || part->row_count < 0) return false;
   std::int64_t const used = std::int64_t{part->row_count} * record_size;
   std::int64_t const grown = used + record_size;
   if (grown > kLargest) return false;
   if (static_cast<std::uint64_t>(used) > part->rows.size()) return false;
 
-  DBFeld const* const fields = definition.GetDefinition();
+  DBFeld const* const fields = DefinitionAccess::Fields(definition);
   std::uint32_t const units_before = part->strings->count();
-  auto const first_text =
-      AppendEmptyTexts(part->strings.get(), CountStringFields(fields));
+  auto const first_text = part->strings->AppendEmpty(CountStringFields(fields));
   if (!first_text) return false;
   if (!part->rows.Resize(static_cast<std::size_t>(grown))) {
     part->strings->Truncate(units_before);

@@ -35,7 +35,9 @@ std::byte* Place(DBSubTable const* selected, DBDefinition const* definition,
   std::int32_t const record_size =
       tabwerk::DefinitionAccess::RecordSize(*definition);
   std::int32_t const offset = selected->field->offset;
-  if (offset < 0 || size > record_size || offset > record_size - size) {
+  // As an unsigned number a negative offset lies behind every record.
+  if (std::int64_t{static_cast<std::uint32_t>(offset)} >
+      std::int64_t{record_size} - size) {
     return nullptr;
   }
   std::byte* const record = selected->part->Row(selected->row, record_size);
@@ -67,16 +69,14 @@ std::optional<std::int32_t> AppendText(DBStringMemory* strings,
   return index;
 }
 
-// Stores text for a value whose present place in the store is index; its new
-// place, or nothing (and no change) when index names nothing or memory is
-// exhausted.
+// Stores text for a value whose present place in the store is index and holds
+// the text old; its new place, or nothing (and no change) without memory.
 std::optional<std::int32_t> StoreText(DBStringMemory* strings,
                                       std::int32_t index,
+                                      std::u16string_view old,
                                       std::u16string_view text) {
-  auto const old = strings->Text(index);
-  if (!old) return std::nullopt;
   bool const at_end = static_cast<std::uint32_t>(index) == strings->count();
-  if (at_end || text.size() > old->size()) return AppendText(strings, text);
+  if (at_end || text.size() > old.size()) return AppendText(strings, text);
   strings->Overwrite(index, text);
   return index;
 }
@@ -88,12 +88,15 @@ int SetText(DBTabelle& table, std::u16string_view text) {
   if (place == nullptr) return 0;
   TablePart& part = *selected->part;
   auto const old_index = tabwerk::LoadValue<std::int32_t>(place);
-  bool const same = part.strings->Text(old_index) == text;
-  auto const index = StoreText(part.strings.get(), old_index, text);
+  auto const old = part.strings->Text(old_index);
+  if (!old) return 0;
+  auto* const lookups = TableAccess::Lookups(table);
+  bool const same = lookups != nullptr && *old == text;
+  auto const index = StoreText(part.strings.get(), old_index, *old, text);
   if (!index) return 0;
   tabwerk::StoreValue(place, *index);
   ++part.revision;
-  if (auto* const lookups = TableAccess::Lookups(table)) {
+  if (lookups != nullptr) {
     using Change = RowLookups::TextChange;
     auto const in_place = same ? Change::kNone : Change::kInPlace;
     lookups->TextSet(table, TableAccess::CurrentSubTable(table),
@@ -191,7 +194,7 @@ int DBTabelle::SetWert(wchar_t const* text) {
 
 int DBTabelle::SetWert(char16_t const* text) {
   if (text == nullptr) return 0;
-  return Guarded(0, [&] { return SetText(*this, text); });
+  return Guarded(0, [&] { return SetText(*this, tabwerk::TextFrom(text)); });
 }
 
 int DBTabelle::SetWert(char const* text) {
