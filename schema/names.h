@@ -23,42 +23,55 @@ inline bool SameName(char const* name, char const* other) noexcept {
   return true;
 }
 
+// The same for a name that is known here: as many comparisons as it has
+// characters, without a loop.
+template <std::size_t kSize>
+inline bool IsName(char const* name, char const (&known)[kSize]) noexcept {
+  static_assert(kSize <= DBFeld::kNameSize);
+  if (name == nullptr) return false;
+  for (std::size_t i = 0; i < kSize; ++i) {
+    if (name[i] != known[i]) return false;
+  }
+  return true;
+}
+
 // A name that is compared with many others: its first 8 characters as one
 // number.
 class NameKey {
  public:
   // name is borrowed, and not null.
   explicit constexpr NameKey(char const* name) noexcept : name_(name) {
-    for (; length_ < kKeySize && name[length_] != '\0'; ++length_) {
-      key_ |= std::uint64_t{static_cast<unsigned char>(name[length_])}
-              << 8 * length_;
-    }
-    // The NUL of a short name counts, what a field has behind it does not.
-    if (length_ + 1 < kKeySize) {
-      mask_ = (std::uint64_t{1} << 8 * (length_ + 1)) - 1;
+    for (std::size_t i = 0; i < kKeySize && name[i] != '\0'; ++i) {
+      key_ |= std::uint64_t{static_cast<unsigned char>(name[i])} << 8 * i;
+      mask_ = mask_ << 8 | 0xFF;
     }
   }
 
-  // True for a short name, fewer than 8 characters, that is the same.
+  // True for the same name, where that has fewer than 8 characters.  The key
+  // then tells the length as well, for no character is NUL.
   constexpr bool IsShort(NameKey const& other) const noexcept {
-    return key_ == other.key_ && length_ == other.length_;
+    return key_ == other.key_;
   }
   // True for a field of that name.
   bool IsNameOf(DBFeld const& field) const noexcept {
     std::uint64_t start = 0;
     std::memcpy(&start, field.name, sizeof start);
     return (start & mask_) == key_ &&
-           (length_ < kKeySize || SameName(field.name, name_));
+           (IsShort() || SameName(field.name, name_));
   }
 
  private:
   static constexpr std::size_t kKeySize = 8;
   static_assert(std::endian::native == std::endian::little);
 
+  constexpr bool IsShort() const noexcept {
+    return key_ >> 8 * (kKeySize - 1) == 0;
+  }
+
   char const* name_;
-  std::size_t length_ = 0;  // as far as it is part of the key
   std::uint64_t key_ = 0;
-  std::uint64_t mask_ = ~std::uint64_t{0};
+  // The NUL of a short name counts, what a field has behind it does not.
+  std::uint64_t mask_ = 0xFF;
 };
 
 }  // namespace tabwerk

@@ -94,9 +94,13 @@ struct TablePart {
   // wholly inside the row block.
   std::byte* Row(std::int32_t row, std::int32_t record_size) noexcept {
     auto const size = static_cast<std::size_t>(record_size);
-    auto const end = (static_cast<std::size_t>(row) + 1) * size;
-    if (row < 0 || row >= row_count || end > rows.size()) return nullptr;
-    return rows.data() + (end - size);
+    // As an unsigned number a negative row lies behind all others.
+    std::size_t const position = static_cast<std::uint32_t>(row);
+    if (static_cast<std::int64_t>(position) >= row_count ||
+        (position + 1) * size > rows.size()) {
+      return nullptr;
+    }
+    return rows.data() + position * size;
   }
 };
 

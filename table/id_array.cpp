@@ -37,7 +37,7 @@ void IdArray::Set(std::int32_t id, std::int32_t row) noexcept {
 }
 
 bool IdArray::Remove(std::int32_t id) noexcept {
-  if (!Find(id)) return false;
+  if (!Has(id)) return false;
   present_.Remove(Position(id));
   rows_[Position(id)] = kNoRow;
   --count_;

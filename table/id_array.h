@@ -31,13 +31,19 @@ class IdArray {
   bool Covers(std::int32_t id) const noexcept {
     return id >= first_ && static_cast<std::size_t>(id - first_) < rows_.size();
   }
-  std::optional<std::int32_t> Find(std::int32_t id) const noexcept {
-    if (!Covers(id)) return std::nullopt;
+  // False, and *row unchanged, when the map does not have the ID.
+  bool Find(std::int32_t id, std::int32_t* row) const noexcept {
+    if (!Covers(id)) return false;
     std::size_t const position = Position(id);
-    std::int32_t const row = rows_[position];
+    std::int32_t const found = rows_[position];
     // The one row number that stands for none, too, needs a second look.
-    if (row == kNoRow && !present_.Has(position)) return std::nullopt;
-    return row;
+    if (found == kNoRow && !present_.Has(position)) return false;
+    *row = found;
+    return true;
+  }
+  bool Has(std::int32_t id) const noexcept {
+    std::int32_t row = 0;
+    return Find(id, &row);
   }
   // Enters an ID of the window or replaces its row.
   void Set(std::int32_t id, std::int32_t row) noexcept;

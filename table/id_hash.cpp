@@ -49,6 +49,13 @@ std::int32_t* IdHash::Find(std::int32_t id) noexcept {
   return slot.id == id ? &slot.row : nullptr;
 }
 
+bool IdHash::Find(std::int32_t id, std::int32_t* row) const noexcept {
+  auto const* const found = const_cast<IdHash*>(this)->Find(id);
+  if (found == nullptr) return false;
+  *row = *found;
+  return true;
+}
+
 bool IdHash::IsFull() const noexcept { return count_ >= Room(slots_.size()); }
 
 void IdHash::Insert(std::int32_t id, std::int32_t row) {

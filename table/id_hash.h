@@ -20,9 +20,8 @@ class IdHash {
   std::size_t size() const noexcept { return count_; }
   // Row of that ID, or null; valid until the next change.
   std::int32_t* Find(std::int32_t id) noexcept;
-  std::int32_t const* Find(std::int32_t id) const noexcept {
-    return const_cast<IdHash*>(this)->Find(id);
-  }
+  // The same as a copy; false, and *row unchanged, without the ID.
+  bool Find(std::int32_t id, std::int32_t* row) const noexcept;
   // Enters an ID that the map does not have.  Throws std::bad_alloc, unchanged.
   void Insert(std::int32_t id, std::int32_t row);
   // Removes an ID; false when the map does not have it.

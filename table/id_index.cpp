@@ -263,11 +263,10 @@ std::size_t IdIndex::size() const noexcept {
   return storage_ == nullptr ? 0 : storage_->size();
 }
 
-std::optional<std::int32_t> IdIndex::Find(std::int32_t id) const noexcept {
-  if (storage_ == nullptr) return std::nullopt;
-  if (storage_->dense) return storage_->array.Find(id);
-  std::int32_t const* const row = std::as_const(storage_->hash).Find(id);
-  return row == nullptr ? std::nullopt : std::optional(*row);
+bool IdIndex::Find(std::int32_t id, std::int32_t* row) const noexcept {
+  if (storage_ == nullptr) return false;
+  return storage_->dense ? storage_->array.Find(id, row)
+                         : storage_->hash.Find(id, row);
 }
 
 void IdIndex::Set(std::int32_t id, std::int32_t row) {

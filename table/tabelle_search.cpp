@@ -22,8 +22,8 @@ namespace {
 using tabwerk::ColumnMemory;
 using tabwerk::ColumnOf;
 using tabwerk::Guarded;
+using tabwerk::IsName;
 using tabwerk::RowWalk;
-using tabwerk::SameName;
 using tabwerk::TableAccess;
 using tabwerk::TextColumn;
 using tabwerk::platform::ParseInt32;
@@ -95,6 +95,16 @@ bool IsSearchable(DBType type) {
   return type == DBTypeReal || type == DBTypeInteger || type == DBTypeString;
 }
 
+// Searches a column other than ID and FOLGE row by row.  Not part of
+// SelectZeile, which would have to save more registers for every ID then.
+[[gnu::noinline]] int SearchColumn(DBTabelle& table, char const* column,
+                                   long value) {
+  ColumnMemory const memory(table, column);
+  if (table.SelectColumn(column) == 0 || table.SelectZeile(0L) == 0) return 0;
+  return SearchNumber<std::int32_t>(table, DBTypeInteger, value,
+                                    tabwerk::CountRows(table));
+}
+
 // The number of rows at which a search for a real in so many rows ends.
 // Kept: row i + 1 is looked at only while (i + 1) >> (rows mod 32) is 0.
 std::int64_t RealSearchLimit(std::int64_t rows) {
@@ -105,23 +115,21 @@ std::int64_t RealSearchLimit(std::int64_t rows) {
 
 int DBTabelle::SelectZeile(char const* column, long value) {
   bool const fits = tabwerk::FitsInt32(value);
-  if (SameName(column, "ID")) {
-    if (!fits) return 0;
-    auto const row = id_index_->Find(static_cast<std::int32_t>(value));
-    if (!row) return 0;
-    if (TableAccess::SelectInFirstPart(*this, *row)) return 1;
-    return SelectZeile(static_cast<long>(*row));
+  if (IsName(column, "ID")) {
+    std::int32_t row = 0;
+    if (!fits || !id_index_->Find(static_cast<std::int32_t>(value), &row)) {
+      return 0;
+    }
+    if (TableAccess::SelectInFirstPart(*this, row)) return 1;
+    return SelectZeile(static_cast<long>(row));
   }
-  if (SameName(column, "FOLGE")) {
+  if (IsName(column, "FOLGE")) {
     if (!fits || value < 0) return 0;
     auto const place = static_cast<std::size_t>(value);
     if (place >= folge_index_.size()) return 0;
     return SelectZeile(static_cast<long>(folge_index_[place]));
   }
-  ColumnMemory const memory(*this, column);
-  if (SelectColumn(column) == 0 || SelectZeile(0L) == 0) return 0;
-  return SearchNumber<std::int32_t>(*this, DBTypeInteger, value,
-                                    tabwerk::CountRows(*this));
+  return SearchColumn(*this, column, value);
 }
 
 int DBTabelle::SelectZeile(char const* column, double value) {

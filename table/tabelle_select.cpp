@@ -26,13 +26,17 @@ int DBTabelle::SelectColumn(char const* name) {
   static constexpr NameKey kFolge("FOLGE");
   static constexpr NameKey kStatus("STATUS");
   static constexpr NameKey kId("ID");
-  NameKey const key(name == nullptr ? "" : name);
+  if (name == nullptr) {
+    folge_selected_ = status_selected_ = id_selected_ = false;
+    return 0;
+  }
+  NameKey const key(name);
   folge_selected_ = key.IsShort(kFolge);
   status_selected_ = key.IsShort(kStatus);
   id_selected_ = key.IsShort(kId);
   // Kept: the flag stays although the column does not change, so a value that
   // is set next goes to the old column and to the index of the missing one.
-  if (definition_ == nullptr || name == nullptr) return 0;
+  if (definition_ == nullptr) return 0;
   DBFeld* field = DefinitionAccess::Fields(*definition_);
   while (field != nullptr && !key.IsNameOf(*field)) field = field->next;
   if (field == nullptr) return 0;

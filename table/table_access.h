@@ -44,9 +44,11 @@ struct TableAccess {
   }
   // The part that the current row lies in, or null.
   static DBSubTable* Current(DBTabelle& table) {
+    // Compared as places, because counting the parts takes a division.
     auto& parts = table.sub_tables_;
-    std::size_t const current = table.current_sub_table_;
-    return current < parts.size() ? &parts[current] : nullptr;
+    auto const current =
+        parts.begin() + static_cast<std::ptrdiff_t>(table.current_sub_table_);
+    return current < parts.end() ? &*current : nullptr;
   }
 
   // What the table remembers of its rows, or null.
