@@ -149,6 +149,24 @@ bool HasTranslation(std::u16string_view text) noexcept {
   return text.find(kOpening) != std::u16string_view::npos;
 }
 
+std::optional<char16_t> FirstTranslatedUnit(std::u16string_view text,
+                                            short language) noexcept {
+  if (!text.starts_with(kOpening)) return std::nullopt;
+  short piece = 0;
+  for (char16_t const unit : text.substr(kMarkerSize)) {
+    // Here another section or the end of this one may begin.
+    if (unit == kOpening.front() || unit == kClosing.front() || unit == 0)
+      break;
+    if (unit == kSeparator) {
+      if (piece == language) break;  // an empty piece
+      ++piece;
+    } else if (piece == language) {
+      return unit;
+    }
+  }
+  return std::nullopt;
+}
+
 void TranslateText(std::u16string& text) {
   if (HasTranslation(text)) Translator(text, CurrentLanguage()).Run();
 }

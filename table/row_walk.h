@@ -55,6 +55,22 @@ class RowWalk {
     record_ += record_size_;
     return true;
   }
+  // Over the next rows of the part, as long as skips(value) is true of their
+  // value in that column; ends before a row whose value cannot be read.
+  template <typename T, typename Skips>
+  void SkipWhile(Column column, Skips const& skips) noexcept {
+    if (column.offset < 0 || part_row_ < 0) return;
+    std::byte const* const start = part_->rows.data() + record_ + column.offset;
+    std::ptrdiff_t const most = whole_rows_ - 1 - part_row_;
+    std::ptrdiff_t skipped = 0;
+    while (skipped < most &&
+           skips(LoadValue<T>(start + (skipped + 1) * record_size_))) {
+      ++skipped;
+    }
+    part_row_ += static_cast<std::int32_t>(skipped);
+    row_ += skipped;
+    record_ += skipped * record_size_;
+  }
   // To any row, given by its number over all parts; false, and no move, when
   // there is no such row.
   bool MoveTo(std::int64_t row) noexcept;

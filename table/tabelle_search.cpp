@@ -29,9 +29,10 @@ using tabwerk::TextColumn;
 using tabwerk::platform::ParseInt32;
 using tabwerk::platform::ParseReal;
 
-// Goes through the rows below limit until matches(walk) gives a result, and
-// selects the row where that was, or the last one.  0 without a result.  What
-// matches throws passes; the row where it did is then selected.
+// Goes through the rows below limit until matches(walk), which may move on over
+// rows without one, gives a result, and selects the row where that was, or the
+// last one.  0 without a result.  What matches throws passes; the row where it
+// did is then selected.
 template <typename Matches>
 int Search(DBTabelle& table, std::int64_t limit, Matches const& matches) {
   RowWalk walk(table);
@@ -82,17 +83,16 @@ int SearchText(DBTabelle& table, std::u16string_view text) {
   if (auto const found = SearchRemembered(table, text)) return *found;
   TextColumn column(table, table.GetAktuelleFeldDef());
   return Search(table, tabwerk::CountRows(table),
-                [&](RowWalk const& walk) -> std::optional<int> {
+                [&](RowWalk& walk) -> std::optional<int> {
                   auto const units = column.StoredUnits(walk);
                   if (!units) return 0;
-                  if (!TextColumn::MayBe(*units, text)) return std::nullopt;
-                  if (*column.ReadFrom(units) == text) return 1;
+                  if (TextColumn::MayBe(*units, text) &&
+                      *column.ReadFrom(units) == text) {
+                    return 1;
+                  }
+                  column.SkipOthers(&walk, text);
                   return std::nullopt;
                 });
-}
-
-bool IsSearchable(DBType type) {
-  return type == DBTypeReal || type == DBTypeInteger || type == DBTypeString;
 }
 
 // Searches a column other than ID and FOLGE row by row.  Not part of
@@ -103,6 +103,10 @@ bool IsSearchable(DBType type) {
   if (table.SelectColumn(column) == 0 || table.SelectZeile(0L) == 0) return 0;
   return SearchNumber<std::int32_t>(table, DBTypeInteger, value,
                                     tabwerk::CountRows(table));
+}
+
+bool IsSearchable(DBType type) {
+  return type == DBTypeReal || type == DBTypeInteger || type == DBTypeString;
 }
 
 // The number of rows at which a search for a real in so many rows ends.

@@ -2,12 +2,15 @@
 #ifndef TABWERK_TABLE_TEXT_COLUMN_H
 #define TABWERK_TABLE_TEXT_COLUMN_H
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "DBDefinition.h"
 #include "base/translation.h"
+#include "schema/bytes.h"
 #include "schema/part.h"
 #include "table/row_walk.h"
 
@@ -37,7 +40,25 @@ class TextColumn {
       ++same;
     }
     char16_t const differs = same < units.size() ? units[same] : u'\0';
+    if (differs == kSectionStart && same == 0) return MayBegin(units, text);
     return differs == kSectionStart || (differs == 0 && same == text.size());
+  }
+
+  // Moves the walk over rows behind its present one of which MayBe is false by
+  // their first unit.  Most rows differ there from a text that is searched.
+  void SkipOthers(RowWalk* walk, std::u16string_view text) const {
+    auto const& strings = *walk->part().strings;
+    auto const* const units = strings.data();
+    auto const count = strings.count();
+    char16_t const first = text.empty() ? u'\0' : text.front();
+    walk->SkipWhile<std::int32_t>(column_, [=](std::int32_t index) {
+      // Places that name no text, negative ones too, are looked at singly.
+      auto const place = static_cast<std::uint32_t>(index);
+      if (place >= count) return false;
+      auto const unit =
+          LoadValue<char16_t>(units + std::size_t{place} * sizeof(char16_t));
+      return unit != first && unit != kSectionStart;
+    });
   }
 
   // Text of the walk's present row; nothing when the column is no string or
@@ -57,6 +78,12 @@ class TextColumn {
   }
 
  private:
+  // MayBe for units that begin with a section, and a text that does not.
+  static bool MayBegin(std::u16string_view units, std::u16string_view text) {
+    auto const first = FirstTranslatedUnit(units, CurrentLanguage());
+    return !first || (!text.empty() && *first == text.front());
+  }
+
   Column column_;
   std::u16string translated_;
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -96,6 +97,15 @@ TEST_F(Translation, NegativeLanguageTranslatesNothing) {
   EXPECT_EQ("#TS(a¬b)TS~", In(-1, "#TS(a¬b)TS~"));
 }
 
+TEST_F(Translation, FirstUnitIsKnownWhereASectionBegins) {
+  EXPECT_EQ(u'o', FirstTranslatedUnit(u"#TS(one\u00ACtwo)TS~", 0));
+  EXPECT_EQ(u't', FirstTranslatedUnit(u"#TS(one\u00ACtwo)TS~", 1));
+  EXPECT_EQ(std::nullopt, FirstTranslatedUnit(u"#TS(one\u00ACtwo)TS~", 2));
+  EXPECT_EQ(std::nullopt, FirstTranslatedUnit(u"#TS(\u00ACtwo)TS~", 0));
+  EXPECT_EQ(std::nullopt, FirstTranslatedUnit(u"#TS(#TS(a)TS~)TS~", 0));
+  EXPECT_EQ(std::nullopt, FirstTranslatedUnit(u"one", 0));
+}
+
 std::u16string RandomText(std::mt19937* random) {
   static constexpr std::u16string_view kPieces[] = {
       u"#TS(", u")TS~", u"\u00AC",          u"#", u"T", u"S", u"(", u")",
@@ -119,6 +129,10 @@ TEST_F(Translation, AgreesWithThePlainStepsOnRandomTexts) {
     auto const expected = PlainTranslation(text, language);
     SCOPED_TRACE(zWString(text).toUtf8());
     DBbase::SetSprache(language);
+    if (auto const first = FirstTranslatedUnit(text, language)) {
+      ASSERT_FALSE(expected.empty());
+      ASSERT_TRUE(expected.front() == *first || expected.front() == u'#');
+    }
     TranslateText(text);
     ASSERT_EQ(zWString(expected).toUtf8(), zWString(text).toUtf8());
   }

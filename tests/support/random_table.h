@@ -82,7 +82,8 @@ inline std::string RandomRow(Random& random, DBDefinition& definition,
   for (DBFeld* field = definition.GetDefinition(); field != nullptr;
        field = field->next) {
     if (field->type == DBTypeString) {
-      row += random.PickOf({"a", "b", "", "abc", "1", "#TS(x)TS~"});
+      row += random.PickOf({"a", "b", "", "abc", "1", "#TS(x)TS~", "#TS(ab",
+                            "x#TS(b)TS~", "#TS()TS~"});
     } else if (std::string(field->name) == "STATUS") {
       row += random.PickOf({"0", "0", "0", "0", "1", "2", "7", "-1"});
     } else {

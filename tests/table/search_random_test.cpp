@@ -65,8 +65,8 @@ TEST(SearchRandom, RealsAreFoundAsRowByRow) {
 
 TEST(SearchRandom, TextsAreFoundAsRowByRow) {
   for (std::uint32_t seed = 1; seed <= kTables; ++seed) {
-    auto const text =
-        Random(seed + 7).PickOf({"1", "a", "abc", "", "x", "2", "zz"});
+    auto const text = Random(seed + 7).PickOf(
+        {"1", "a", "abc", "", "x", "2", "zz", "xb", "#TS(ab", "b"});
     zWString const wide = zWString::fromUtf8(text);
     Compare(
         seed,
