@@ -29,7 +29,9 @@ bool TextLookup::Build(DBTabelle& table, DBFeld* field) {
   field_ = field;
   language_ = CurrentLanguage();
   links_.clear();
-  links_.reserve(static_cast<std::size_t>(CountRows(table)));
+  // With room for rows to come: they are what a lookup is kept for.
+  auto const rows = static_cast<std::size_t>(CountRows(table));
+  links_.reserve(rows + rows / 8);
   TextColumn column(table, field);
   RowWalk walk(table);
   while (walk.Next()) {
