@@ -14,9 +14,12 @@ endforeach()
 file(GLOB TABWERK_PUBLIC_HEADERS CONFIGURE_DEPENDS
   "${PROJECT_SOURCE_DIR}/include/*.h")
 
-# The seam stands alone: a test puts its own in this place.
-set(tabwerk_seam_source "${PROJECT_SOURCE_DIR}/platform/seam.cpp")
-list(REMOVE_ITEM tabwerk_sources "${tabwerk_seam_source}")
+# The seam stands alone: tests put their own in this place, the fuzz targets in
+# that of the part which names files.
+set(tabwerk_seam_files "${PROJECT_SOURCE_DIR}/platform/seam.cpp")
+set(tabwerk_seam_streams "${PROJECT_SOURCE_DIR}/platform/seam_streams.cpp")
+list(REMOVE_ITEM tabwerk_sources
+  "${tabwerk_seam_files}" "${tabwerk_seam_streams}")
 
 function(tabwerk_add_objects name)
   add_library(${name} OBJECT ${ARGN})
@@ -32,10 +35,12 @@ function(tabwerk_add_objects name)
 endfunction()
 
 tabwerk_add_objects(tabwerk_objects ${tabwerk_sources})
-tabwerk_add_objects(tabwerk_seam "${tabwerk_seam_source}")
+tabwerk_add_objects(tabwerk_seam_files "${tabwerk_seam_files}")
+tabwerk_add_objects(tabwerk_seam_streams "${tabwerk_seam_streams}")
 
 add_library(tabwerk SHARED
-  $<TARGET_OBJECTS:tabwerk_objects> $<TARGET_OBJECTS:tabwerk_seam>)
+  $<TARGET_OBJECTS:tabwerk_objects>
+  $<TARGET_OBJECTS:tabwerk_seam_files> $<TARGET_OBJECTS:tabwerk_seam_streams>)
 add_library(tabwerk::tabwerk ALIAS tabwerk)
 set_target_properties(tabwerk PROPERTIES
   VERSION ${PROJECT_VERSION}
@@ -72,7 +77,8 @@ function(tabwerk_link_objects target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "SEAM" "" "")
   target_link_libraries(${target} PRIVATE tabwerk_settings tabwerk_objects)
   if(arg_SEAM)
-    target_link_libraries(${target} PRIVATE tabwerk_seam)
+    target_link_libraries(${target} PRIVATE
+      tabwerk_seam_files tabwerk_seam_streams)
   endif()
   target_compile_definitions(${target} PRIVATE TABWERK_STATIC)
   target_include_directories(${target} PRIVATE

@@ -1,8 +1,9 @@
 // The platform seam of the fuzz targets: whatever an input names, nothing
 // outside the private folder is opened, made, moved or removed.
 //
-// Nothing waits for the disk or for other programs: durability is tested
-// elsewhere, and both would cost most of the time.
+// It is linked with platform/seam_streams.cpp.  Nothing waits for the disk or
+// for other programs: durability is tested elsewhere, and both would cost most
+// of the time.
 #include <filesystem>
 #include <string>
 
@@ -42,30 +43,6 @@ FILE* OpenPlain(char const* path, char const* mode) {
              ? Opened(os::OpenPlain(path, mode))
              : nullptr;
 }
-
-std::size_t Read(FILE* stream, void* bytes, std::size_t size) {
-  return os::Read(stream, bytes, size);
-}
-
-std::size_t Write(FILE* stream, void const* bytes, std::size_t size) {
-  return os::Write(stream, bytes, size);
-}
-
-bool WriteText(FILE* stream, std::u16string_view text) {
-  return os::WriteText(stream, text);
-}
-
-bool Seek(FILE* stream, std::int64_t offset, Origin origin) {
-  return os::Seek(stream, offset, origin);
-}
-
-std::int64_t Tell(FILE* stream) { return os::Tell(stream); }
-
-std::int64_t FileSize(FILE* stream) { return os::FileSize(stream); }
-
-bool Failed(FILE* stream) { return os::Failed(stream); }
-
-bool Flush(FILE* stream) { return os::Flush(stream); }
 
 bool Sync(FILE* stream) { return os::Flush(stream); }
 
@@ -110,17 +87,7 @@ zWString MakeTempFile(zWString const& folder, char const* prefix) {
   return Reachable(folder) ? os::MakeTempFile(folder, prefix) : zWString();
 }
 
-std::int64_t Now() { return os::Now(); }
-
 void Pause(int milliseconds) { (void)milliseconds; }
-
-void* Allocate(std::size_t size) { return os::Allocate(size); }
-
-void* Reallocate(void* block, std::size_t size) {
-  return os::Reallocate(block, size);
-}
-
-void Free(void* block) { os::Free(block); }
 
 }  // namespace platform
 }  // namespace tabwerk

@@ -1,9 +1,9 @@
 // Everything that touches the operating system, in one place.
 //
 // The rest of the library calls only these functions.  The product links
-// platform/seam.cpp, which forwards each one to the system (namespace os); a
-// test build links another file in its place that counts the calls and can
-// make the N-th one fail.
+// platform/seam.cpp and seam_streams.cpp, which forward each one to the system
+// (namespace os); a test build links another file in their place that counts
+// the calls and can make the N-th one fail.
 #ifndef TABWERK_PLATFORM_PLATFORM_H
 #define TABWERK_PLATFORM_PLATFORM_H
 

@@ -1,6 +1,6 @@
 // The platform seam of test builds: counts the calls and can make one fail.
 //
-// Linked in place of platform/seam.cpp.  Without a FaultGuard every call goes
+// Linked in place of platform/seam*.cpp.  Without a FaultGuard every call goes
 // to the system.
 //
 //   FaultGuard faults;
