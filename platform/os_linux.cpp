@@ -91,8 +91,6 @@ std::optional<std::string> NativePath(zWString const& path) {
 
 Error ErrorFromErrno(int number) {
   switch (number) {
-    case 0:
-      return Error::kNone;
     case ENOENT:
     case ENOTDIR:
     case ENAMETOOLONG:
