@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <utility>
 
 #include "platform/platform.h"
@@ -12,11 +11,8 @@ namespace {
 
 // needed or, where that is more, an eighth above the present capacity.
 std::size_t GenerousCapacity(std::size_t needed, std::size_t capacity) {
-  std::size_t const reserve = capacity / 8;
-  if (capacity > std::numeric_limits<std::size_t>::max() - reserve) {
-    return needed;
-  }
-  return std::max(needed, capacity + reserve);
+  // No block is so large that the sum overflows.
+  return std::max(needed, capacity + capacity / 8);
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/guarded.h"
+#include "platform/platform.h"
 #include "tests/support/fault_platform.h"
 
 namespace tabwerk::test {
@@ -117,6 +119,32 @@ TEST_F(MemoryBlock, MovingHandsTheBytesOver) {
   EXPECT_EQ(bytes, third.data());
   EXPECT_EQ(5u, third.size());
   EXPECT_EQ(1, LiveBlocks());
+}
+
+TEST_F(MemoryBlock, MovedOntoItselfItStays) {
+  Block block;
+  ASSERT_TRUE(block.Reset(5));
+  Block& same = block;
+  block = std::move(same);
+  EXPECT_EQ(5u, block.size());
+}
+
+TEST_F(MemoryBlock, OfNothingIsOneByteOfTheSystems) {
+  void* block = platform::os::Allocate(0);
+  ASSERT_NE(nullptr, block);
+  block = platform::os::Reallocate(block, 0);
+  EXPECT_NE(nullptr, block);
+  platform::os::Free(block);
+}
+
+TEST(Guarded, ExhaustedMemoryIsAFailure) {
+  EXPECT_EQ(7, Guarded(0, [] { return 7; }));
+  EXPECT_EQ(-1, Guarded(-1, []() -> int { throw std::bad_alloc(); }));
+  EXPECT_EQ(-1, Guarded(-1, []() -> int { throw std::length_error(""); }));
+}
+
+TEST(Guarded, OtherExceptionsPass) {
+  EXPECT_THROW(Guarded(-1, []() -> int { throw 7; }), int);
 }
 
 }  // namespace

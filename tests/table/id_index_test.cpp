@@ -10,6 +10,7 @@
 #include <string>
 
 #include "table/bit_tree.h"
+#include "tests/support/new_guard.h"
 
 namespace {
 
@@ -125,6 +126,117 @@ TEST(IdIndex, SmallestAndLargestIdAreIdsLikeOthers) {
   index.Erase(kLargest);
   EXPECT_EQ(0, index.LargestId());
   EXPECT_EQ(1u, index.size());
+}
+
+IdIndex WithIds(std::int32_t first, std::int32_t end) {
+  IdIndex index;
+  for (std::int32_t id = first; id < end; ++id) index.Set(id, id);
+  return index;
+}
+
+Model ModelOf(IdIndex const& index) {
+  auto const entries = index.Entries();
+  return Model(entries.begin(), entries.end());
+}
+
+TEST(IdIndex, StaysRightWhenMostIdsGo) {
+  for (std::int32_t const step : {1, 1000}) {
+    // What stays lies close together or far apart.
+    IdIndex index = WithIds(0, 50'000);
+    Model model = ModelOf(index);
+    for (std::int32_t id = 0; id < 50'000; ++id) {
+      if (step == 1 ? id >= 49'950 : id % step == 0) continue;
+      index.Erase(id);
+      model.erase(id);
+    }
+    ExpectSame(model, index);
+    index.Set(50'001, 7);
+    model[50'001] = 7;
+    ExpectSame(model, index);
+  }
+}
+
+TEST(IdIndex, StaysRightWhenItsOnlyIdGoes) {
+  IdIndex index;
+  index.Reserve(10'000, 1, 30'000);
+  index.Set(5, 1);
+  index.Erase(5);
+  ExpectSame(Model(), index);
+  index.Set(-7, 2);
+  ExpectSame(Model{{-7, 2}}, index);
+}
+
+TEST(IdIndex, StaysRightWhenScatteredIdsBecomeDense) {
+  IdIndex index;
+  index.Set(kLargest, 1);
+  index.Set(0, 0);
+  Model model = {{0, 0}, {kLargest, 1}};
+  ExpectSame(model, index);
+  index.Erase(kLargest);
+  model.erase(kLargest);
+  for (std::int32_t id = 1; id < 20'000; ++id) {
+    index.Set(id, id);
+    model[id] = id;
+  }
+  ExpectSame(model, index);
+}
+
+TEST(IdIndex, StaysRightWhenRoomIsMadeForScatteredIds) {
+  IdIndex index;
+  index.Set(kLargest, 1);
+  index.Set(0, 0);
+  index.Reserve(10'000);
+  ExpectSame(Model{{0, 0}, {kLargest, 1}}, index);
+}
+
+TEST(IdIndex, FreeIdBehindAFullArray) {
+  for (std::int32_t const first : {0, kLargest - 99}) {
+    IdIndex index;
+    index.Reserve(100, first, first + 99);
+    for (std::int32_t i = 0; i < 100; ++i) index.Set(first + i, i);
+    ExpectSame(ModelOf(index), index);
+    EXPECT_EQ(first == 0 ? std::optional(100) : std::nullopt,
+              index.LowestFreeId(first));
+  }
+}
+
+TEST(IdIndex, CopiesAreIndependent) {
+  IdIndex const index = WithIds(1, 4);
+  IdIndex copy = WithIds(7, 9);
+  copy = index;
+  copy.Erase(2);
+  EXPECT_EQ(2u, copy.size());
+  EXPECT_EQ(2, index.Find(2));
+}
+
+// Runs work with every request for memory failing; what it gives.
+auto WithoutMemory(auto const& work) {
+  tabwerk::test::NewGuard guard(1);
+  auto const result = work();
+  guard.Disarm();
+  return result;
+}
+
+TEST(IdIndex, AnswersWithoutMemory) {
+  IdIndex index;
+  for (std::int32_t i = 1; i <= 100; ++i) index.Set(i * 1'000'000, i);
+  EXPECT_EQ(100'000'000, WithoutMemory([&] { return index.LargestId(); }));
+  EXPECT_EQ(1'000'001,
+            WithoutMemory([&] { return index.LowestFreeId(1'000'000); }));
+  index.Set(kLargest, 0);
+  EXPECT_EQ(std::nullopt,
+            WithoutMemory([&] { return index.LowestFreeId(kLargest); }));
+}
+
+TEST(IdIndex, ShrinksWithoutMemoryOrNot) {
+  IdIndex index = WithIds(0, 50'000);
+  EXPECT_TRUE(WithoutMemory([&] {
+    for (std::int32_t id = 0; id < 49'000; ++id) index.Erase(id);
+    return true;
+  }));
+  EXPECT_EQ(1000u, index.size());
+  EXPECT_EQ(49'000, index.Find(49'000));
+  EXPECT_EQ(std::nullopt, index.Find(48'999));
 }
 
 double Seconds(auto const& work) {

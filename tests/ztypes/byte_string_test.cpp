@@ -19,6 +19,11 @@ TEST(ByteString, HoldsBytes) {
   EXPECT_TRUE(zString(static_cast<char const*>(nullptr)).isEmpty());
 }
 
+TEST(ByteString, TakesBytesOfAGivenNumber) {
+  EXPECT_EQ(std::string_view("a\0b", 3),
+            zString(std::string_view("a\0b", 3)).view());
+}
+
 TEST(ByteString, ComparesBytesUnsigned) {
   EXPECT_EQ(0, zString("a").compare("a"));
   EXPECT_GT(0, zString("a").compare("\xFF"));
@@ -34,6 +39,9 @@ TEST(ByteString, CopiesAreIndependent) {
   EXPECT_EQ("one", second.view());
   zString third(std::move(first));
   EXPECT_EQ("two", third.view());
+  third = second;
+  EXPECT_EQ("one", third.view());
+  EXPECT_EQ("one", second.view());
 }
 
 // Notes what the sink shows: the text, or "(clear)".
