@@ -16,10 +16,9 @@ bool Catalogue::Owns(DBDirectory const* directory) const noexcept {
 }
 
 void Catalogue::Delete(DBDirectory* directory) noexcept {
-  auto const found = std::find_if(
-      directories_.begin(), directories_.end(),
-      [directory](auto const& owned) { return owned.get() == directory; });
-  if (found != directories_.end()) directories_.erase(found);
+  std::erase_if(directories_, [directory](auto const& owned) {
+    return owned.get() == directory;
+  });
 }
 
 void Catalogue::Clear() noexcept {

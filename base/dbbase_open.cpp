@@ -36,7 +36,7 @@ bool OpenAllFiles(DBDirectory& directory, bool for_write, bool create,
     bool const write =
         for_write && (create || HasUserExtension(directory.GetFileiName(i)));
     bool const opened =
-        made != nullptr && write && create
+        made != nullptr
             ? DirectoryAccess::OpenForReplacement(directory, i, made)
             : directory.OpenDBdatei(i, write, create);
     if (!opened) return false;

@@ -99,7 +99,6 @@ bool DirectoryAccess::ReadContainer(DBDirectory& directory, FILE* stream,
 bool DirectoryAccess::OpenForReplacement(DBDirectory& directory,
                                          std::size_t file, bool* made) {
   *made = false;
-  if (file >= directory.files_.size()) return false;
   FileRecord& record = directory.files_[file];
   record.create = true;
   record.write = true;

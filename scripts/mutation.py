@@ -2,18 +2,25 @@
 """Puts one fault at a time into the library and counts how many the tests
 notice.
 
-    mutation.py [--count N] [--seed N] [--minimum PERCENT] [--list]
+    mutation.py [--count N] [--seed N] [--minimum PERCENT] [--jobs N] [--list]
+                [--only TEXT]
 
 A fault turns a comparison, a logical operator or a condition around, drops one
 side of "&&" or "||", or changes a constant result.  N places are drawn at
 random; each is built in a copy of the sources and runs the tests of its layer,
 then those of the layers above, until one fails.  A fault that does not compile
-is drawn again.  The survivors are listed; below the minimum the script fails.
+is drawn again.  --only takes all whose "PATH:LINE: CHANGED LINE" has the text.
+
+The survivors are listed.  Those that change nothing a caller can see stand in
+cmake/mutation.txt; they count as not noticed.  The script fails below the
+minimum, when another one survives, and when an argued one is noticed or is no
+place any more.
 
 TABWERK_BUILD_ROOT names another folder than build/.
 """
 
 import argparse
+import concurrent.futures
 import os
 import pathlib
 import random
@@ -21,10 +28,15 @@ import re
 import shutil
 import subprocess
 import sys
+import threading
+
+from argued import Argued
 
 LAYERS = ["ztypes", "platform", "schema", "table", "base", "interp"]
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SECONDS_FOR_A_PROGRAM = 120
+# For the random tests; what they do not find so soon, others have to.
+OPERATIONS = "200"
 
 # What a line may hold, and what is put in its place.  Our layout has blanks
 # around operators and none in "<…>" of templates.
@@ -88,11 +100,12 @@ def all_faults(root):
 
 
 class House:
-    """The copy of the sources in which faults are built."""
+    """A copy of the sources in which faults are built."""
 
-    def __init__(self, build_root):
-        self.root = build_root / "mutation"
-        self.build = self.root / "build"
+    def __init__(self, root):
+        self.root = root
+        # As deep as an ordinary build, so that a compiler cache serves both.
+        self.build = root / "build" / "dev"
         tracked = subprocess.run(["git", "ls-files"], cwd=ROOT, check=True,
                                  capture_output=True, text=True).stdout
         for name in tracked.splitlines():
@@ -103,15 +116,18 @@ class House:
             if (not target.exists()
                     or target.read_bytes() != source.read_bytes()):
                 shutil.copy(source, target)
+        linker = "-fuse-ld=lld" if shutil.which("ld.lld") else ""
         subprocess.run(
-            ["cmake", "--preset", "dev", "-B", self.build, "-D",
-             "TABWERK_BENCH=OFF", "-D", "TABWERK_EXAMPLES=OFF"],
+            ["cmake", "--preset", "dev", "-B", self.build,
+             "-D", "TABWERK_BENCH=OFF", "-D", "TABWERK_EXAMPLES=OFF",
+             "-D", "TABWERK_TOOL=OFF",
+             "-D", f"CMAKE_EXE_LINKER_FLAGS={linker}"],
             cwd=self.root, check=True, stdout=subprocess.DEVNULL)
 
-    def build_program(self, program):
+    def build_program(self, program, jobs=1):
         return subprocess.run(
-            ["cmake", "--build", self.build, "--target", program, "--",
-             "--quiet"], stdout=subprocess.DEVNULL,
+            ["cmake", "--build", self.build, "--target", program, "-j",
+             str(jobs), "--", "--quiet"], stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL).returncode == 0
 
     def passes(self, program):
@@ -121,16 +137,15 @@ class House:
                  "--gtest_fail_fast"],
                 cwd=self.build, stdin=subprocess.DEVNULL,
                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                env={**os.environ, "TABWERK_OPERATIONS": OPERATIONS},
                 timeout=SECONDS_FOR_A_PROGRAM).returncode == 0
         except subprocess.TimeoutExpired:
             return False
 
 
 def programs_for(layer):
-    """The layer's own tests, those above it, those below."""
-    place = LAYERS.index(layer)
-    order = LAYERS[place:] + ["end_to_end"]
-    return [name + "_test" for name in order]
+    """The layer's own tests, then those above it."""
+    return [name + "_test" for name in LAYERS[LAYERS.index(layer):]]
 
 
 def judge(house, fault):
@@ -153,45 +168,92 @@ def judge(house, fault):
         target.write_text(original, encoding="utf-8")
 
 
+class Tally:
+    """What has become of the faults."""
+
+    def __init__(self, argued):
+        self.argued = argued
+        self.lock = threading.Lock()
+        self.tried = self.noticed = self.wrong = 0
+
+    def add(self, fault, verdict):
+        path, number, changed = fault
+        argued = self.argued.has(path, changed)
+        with self.lock:
+            self.tried += 1
+            self.noticed += verdict != ""
+            self.wrong += argued == (verdict != "")
+            said = verdict or ("survived, argued" if argued else "SURVIVED")
+            if argued and verdict:
+                said = f"ARGUED, BUT NOTICED BY {verdict}"
+            print(f"{said}: {path}:{number + 1}: {changed.strip()}",
+                  flush=True)
+
+
+def judge_in_turn(house, faults, lock, tally, count):
+    """Takes faults from the iterator until enough of them have compiled."""
+    while True:
+        with lock:
+            fault = next(faults, None)
+            if fault is None or tally.tried >= count:
+                return
+        verdict = judge(house, fault)
+        if verdict is not None:
+            tally.add(fault, verdict)
+
+
+def text_of(fault):
+    path, number, changed = fault
+    return f"{path}:{number + 1}: {changed.strip()}"
+
+
+def made_houses(jobs):
+    """Houses whose programs are built and pass without any fault."""
+    root = pathlib.Path(os.environ.get("TABWERK_BUILD_ROOT", ROOT / "build"))
+    houses = [House(root.resolve() / f"mutation{number}")
+              for number in range(jobs)]
+    for house in houses:
+        for program in programs_for(LAYERS[0]):
+            if not house.build_program(program, jobs):
+                sys.exit(f"{program} does not build")
+            if house is houses[0] and not house.passes(program):
+                sys.exit(f"{program} fails without any fault")
+    return houses
+
+
 def main():
     arguments = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     arguments.add_argument("--count", type=int, default=100)
     arguments.add_argument("--seed", type=int, default=1)
     arguments.add_argument("--minimum", type=float, default=85)
+    arguments.add_argument("--jobs", type=int, default=os.cpu_count())
+    arguments.add_argument("--only", default="")
     arguments.add_argument("--list", action="store_true",
                            help="print all places and stop")
     options = arguments.parse_args()
 
-    faults = list(all_faults(ROOT))
+    places = list(all_faults(ROOT))
+    argued = Argued(ROOT / "cmake" / "mutation.txt")
+    if argued.complain([(path, text) for path, _, text in places],
+                       "no such fault"):
+        return 1
+    faults = [fault for fault in places if options.only in text_of(fault)]
     if options.list:
-        for path, number, changed in faults:
-            print(f"{path}:{number + 1}: {changed.strip()}")
+        print("\n".join(map(text_of, faults)))
         return 0
     random.Random(options.seed).shuffle(faults)
 
-    house = House(pathlib.Path(
-        os.environ.get("TABWERK_BUILD_ROOT", ROOT / "build")).resolve())
-    for program in programs_for(LAYERS[0]):
-        if not house.build_program(program) or not house.passes(program):
-            sys.exit(f"{program} fails without any fault")
-
-    tried, noticed = 0, 0
-    for fault in faults:
-        if tried == options.count:
-            break
-        verdict = judge(house, fault)
-        if verdict is None:
-            continue
-        tried += 1
-        noticed += verdict != ""
-        path, number, changed = fault
-        print(f"{verdict or 'SURVIVED'}: {path}:{number + 1}: "
-              f"{changed.strip()}", flush=True)
-    percent = 100 * noticed / max(tried, 1)
-    print(f"[ SWEEP    ] mutation: {noticed} of {tried} faults noticed "
-          f"({percent:.0f} %), seed {options.seed}, "
-          f"{len(faults)} places in all")
-    return percent < options.minimum
+    houses = made_houses(options.jobs)
+    tally, remaining, lock = Tally(argued), iter(faults), threading.Lock()
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        for work in [pool.submit(judge_in_turn, house, remaining, lock, tally,
+                                 options.count) for house in houses]:
+            work.result()
+    percent = 100 * tally.noticed / max(tally.tried, 1)
+    print(f"[ SWEEP    ] mutation: {tally.noticed} of {tally.tried} faults "
+          f"noticed ({percent:.0f} %), seed {options.seed}, "
+          f"{len(places)} places in all")
+    return percent < options.minimum or tally.wrong > 0
 
 
 if __name__ == "__main__":
