@@ -2,6 +2,7 @@
 
 #include "base/manager_access.h"
 #include "tests/support/database_fixture.h"
+#include "tests/support/new_guard.h"
 
 namespace tabwerk::test {
 namespace {
@@ -173,6 +174,80 @@ TEST_F(ManagerCatalogue, ADottedNameCanNeitherBeClosedNorWritten) {
   EXPECT_EQ(0, Manager()->Close(W("A.B")));
   EXPECT_FALSE(Manager()->Write(W("A.B"), false, W("")));
   EXPECT_EQ(1, Manager()->FilesCount());
+}
+
+TEST_F(ManagerCatalogue, AssignmentTakesTheSharedDatabases) {
+  Init({"A", "B"});
+  DBbase copy(*Manager());
+  Init({"C"});
+  copy = *Manager();
+  EXPECT_EQ(1, copy.FilesCount());
+  EXPECT_EQ(Manager()->GetDirectory(), copy.GetDirectory());
+  EXPECT_FALSE(copy.NotRegistered(W("C")));
+  EXPECT_TRUE(copy.NotRegistered(W("A")));
+}
+
+TEST_F(ManagerCatalogue, IsMadeEmptyWhereThereIsNone) {
+  Init({"A"});
+  DBbase const copy(*Manager());
+  ManagerAccess::Install(nullptr);
+  {
+    NewGuard const guard(1);
+    EXPECT_EQ(nullptr, DBbase::GetDBBaseInstance());
+    EXPECT_EQ(nullptr, DBbase::ReOpen(false));
+  }
+  ASSERT_NE(nullptr, Manager());
+  EXPECT_EQ(0, Manager()->FilesCount());
+  EXPECT_TRUE(Manager()->NotRegistered(W("A")));
+}
+
+TEST_F(ManagerCatalogue, AddingToNoManagerChangesNothing) {
+  Init({"A"});
+  DBbase::AddFiles({W("C")}, {{W("c.db")}}, nullptr);
+  EXPECT_EQ("[A]", Chain());
+}
+
+// A copy of the manager whose current database another one has closed.
+TEST_F(ManagerCatalogue, WithoutACurrentDatabaseNothingOpens) {
+  MakeArticles("MAIN.db", 1000, {"1|1|0|Anna"});
+  DBbase::Init({W("A"), W("B")}, {{W(Path("MAIN.db"))}, {W(Path("MAIN.db"))}});
+  DBbase copy(*Manager());
+  EXPECT_TRUE(copy.SelectDB(W("A")));
+  EXPECT_EQ(1, Manager()->Close(W("A")));
+  EXPECT_EQ(nullptr, copy.GetDirectory());
+  EXPECT_EQ(1, copy.FilesCount());
+  DBTabelle* table = nullptr;
+  EXPECT_EQ(0, copy.OpenTabelle("ARTIKEL", table));
+  EXPECT_EQ(0, copy.Open(W("NONE"), false, false));
+  EXPECT_EQ(0, copy.Close(W("")));
+  EXPECT_FALSE(copy.Write(W(""), false, W("")));
+}
+
+TEST_F(ManagerCatalogue, WithoutAnOpenDatabaseThereIsNoTable) {
+  DBTabelle* table = nullptr;
+  EXPECT_FALSE(Manager()->NeueTabelle("ARTIKEL", table));
+  EXPECT_EQ(0, Manager()->OpenTabelle("ARTIKEL", table));
+  Init({"A"});
+  EXPECT_FALSE(Manager()->NeueTabelle("ARTIKEL", table));
+  EXPECT_EQ(0, Manager()->OpenTabelle("ARTIKEL", table));
+  EXPECT_EQ(nullptr, table);
+}
+
+TEST_F(ManagerCatalogue, ADatabaseWithoutFilesIsNotWritten) {
+  DBbase::Init({W("A")}, {{}});
+  EXPECT_EQ(1, Manager()->Open(W("A"), false, false));
+  EXPECT_FALSE(Manager()->Write(W("A"), false, W(Path("NEW.db"))));
+  EXPECT_FALSE(Manager()->Write(W("A"), false, W("")));
+  EXPECT_EQ("", Files());
+}
+
+TEST_F(ManagerCatalogue, ADatabaseWithoutANameIsNotWrittenWithoutOne) {
+  MakeArticles("MAIN.db", 1000, {"1|1|0|Anna"});
+  DBbase::Init({W("")}, {{W(Path("MAIN.db"))}});
+  EXPECT_EQ(1, Manager()->Open(W(""), false, false));
+  auto const before = Bytes("MAIN.db");
+  EXPECT_FALSE(Manager()->Write(W(""), false, W("")));
+  EXPECT_EQ(before, Bytes("MAIN.db"));
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include "base/index_file.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -470,6 +472,48 @@ TEST_F(IndexFile, IsSharedByDatabasesOfOneNameInOneFolder) {
   Configure("STOCK", {"MAIN.db", "OTHER.UDB"});
   EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
   EXPECT_EQ((std::vector<std::int64_t>{1000, 3000}), Index().time_stamps);
+}
+
+TEST_F(IndexFile, OfNoDatabaseHasNoName) {
+  EXPECT_EQ("", ManagerAccess::IndexFileName(*Manager(), nullptr).toUtf8());
+}
+
+// The system may say so while another program moves the index into its place.
+TEST_F(IndexFile, ThatIsThereAfterAllDoesNotCountAsMissing) {
+  OpenStock();
+  bool missing = true;
+  FaultGuard faults;
+  faults.FailAt(1, Lasting::kForGood, Only(Call::kOpenFile),
+                platform::Error::kNotFound);
+  EXPECT_FALSE(ReadIndexBytes(W(Path("STOCK.idx")), &missing).has_value());
+  EXPECT_FALSE(missing);
+  EXPECT_FALSE(ReadIndexBytes(W(Path("NONE.idx")), &missing).has_value());
+  EXPECT_TRUE(missing);
+}
+
+TEST_F(IndexFile, ThatIsFarTooLongIsNotRead) {
+  WriteFileBytes(Path("STOCK.idx"), EncodeIndex(Good()));
+  std::filesystem::resize_file(Path("STOCK.idx"),
+                               (std::uintmax_t{1} << 32) + 1);
+  FaultGuard const counts;
+  bool missing = true;
+  auto const content = ReadIndexBytes(W(Path("STOCK.idx")), &missing);
+  EXPECT_TRUE(content && content->size() == 0);
+  EXPECT_FALSE(missing);
+  EXPECT_EQ(0, counts.BytesRead());
+}
+
+TEST_F(IndexFile, OfEveryLengthButItsOwnIsBuiltAnew) {
+  OpenStock();
+  auto const whole = Bytes("STOCK.idx");
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    DBbase::Init({}, {});
+    WriteFileBytes(Path("STOCK.idx"),
+                   {whole.begin(), whole.begin() + static_cast<long>(size)});
+    Configure("STOCK", {"MAIN.db", "USER.UDB"});
+    ASSERT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+    ASSERT_EQ(whole, Bytes("STOCK.idx")) << size;
+  }
 }
 
 }  // namespace

@@ -152,5 +152,11 @@ TEST_F(Translation, CostsNoMoreThanTheLengthOfTheText) {
   EXPECT_EQ(u"", nested);
 }
 
+TEST_F(Translation, APieceAndWhatFollowsItMayMakeAClosingMarker) {
+  EXPECT_EQ("", In(0, "#TS(#TS()T¬x)TS~S~"));
+  EXPECT_EQ("ab", In(0, "a#TS(#TS()¬x)TS~TS~b"));
+  EXPECT_EQ("#TS()TX~", In(0, "#TS(#TS()T¬x)TS~X~"));
+}
+
 }  // namespace
 }  // namespace tabwerk::test

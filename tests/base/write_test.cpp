@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <limits>
 
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
@@ -226,6 +227,24 @@ TEST_F(ManagerWrite, FirstFileListsItsTablesInOppositeOrder) {
   EXPECT_EQ("[2][3]", Rows("B"));
 }
 
+// Its tables change their order, and the sections of the index would not.
+TEST_F(ManagerWrite, AFirstFileOfSeveralTablesWaitsForAnUnreadIndex) {
+  DBbase::Init({}, {});  // closes the files
+  fs::remove(Path("STOCK.idx"));
+  fs::create_directory(Path("STOCK.idx"));
+  OpenStock();
+  EXPECT_TRUE(Manager()->Write(W("STOCK"), false, W("")));
+  DBbase::Init({}, {});
+  MakeFile("MAIN.db",
+           {PlainHeader::kCurrent,
+            1000,
+            {{"A", "integer ID\n", {"1"}}, {"B", "integer ID\n", {"2"}}}});
+  auto const before = Bytes("MAIN.db");
+  OpenStock();
+  EXPECT_FALSE(Manager()->Write(W("STOCK"), false, W("")));
+  EXPECT_EQ(before, Bytes("MAIN.db"));
+}
+
 TEST_F(ManagerWrite, TimeStampIsTheCurrentSecond) {
   using std::chrono::duration_cast;
   using std::chrono::seconds;
@@ -246,6 +265,17 @@ TEST_F(ManagerWrite, TimeStampAlwaysGrows) {
   EXPECT_EQ(4000000001, ReadDatabase(Path("USER.UDB")).time_stamp);
   EXPECT_TRUE(WriteUserFile());
   EXPECT_EQ(4000000002, ReadDatabase(Path("USER.UDB")).time_stamp);
+}
+
+TEST_F(ManagerWrite, AfterTheEndOfTimeStampsTheClockCounts) {
+  DBbase::Init({}, {});  // closes the files
+  constexpr auto kEndOfTime = std::numeric_limits<std::int64_t>::max();
+  MakeArticles("USER.UDB", kEndOfTime, {"20000|3|0|Carl"});
+  OpenStock();
+  EXPECT_TRUE(WriteUserFile());
+  auto const stamp = ReadDatabase(Path("USER.UDB")).time_stamp;
+  EXPECT_LT(1000000000, stamp);
+  EXPECT_GT(kEndOfTime, stamp);
 }
 
 TEST_F(ManagerWrite, LeftoverTrialCopyIsReplaced) {

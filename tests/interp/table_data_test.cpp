@@ -370,4 +370,19 @@ TEST(InterpreterFile, ErrorIsCopied) {
   EXPECT_STREQ(source.GetErrorString(), copy.GetErrorString());
 }
 
+TEST_F(TableData, ModesOfTheCLibraryMayBeMoreThanRead) {
+  auto const old = folder.Marked("old.txt", u"1\n");
+  DBInterpreter reader;
+  EXPECT_EQ(1, reader.OpenDatei(old.c_str(), "r+t"));
+  reader.CloseDatei();
+  EXPECT_EQ(0, reader.OpenDatei(old.c_str(), "wx"));
+  EXPECT_EQ(0, reader.OpenDatei(old.c_str(), "+"));
+  TestTable target("integer ID\n");
+  reader.SetTabelle(&target.table);
+  EXPECT_EQ(1, reader.OpenDatei(old.c_str(), "rt, ccs=UTF-8"));
+  EXPECT_EQ(1, reader.ReadDatei(version, false, L""));
+  reader.CloseDatei();
+  EXPECT_EQ("[1]", Rows(*target.entry));
+}
+
 }  // namespace

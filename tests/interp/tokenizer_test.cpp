@@ -224,4 +224,14 @@ TEST(InterpreterCopy, SelfAssignmentChangesNothing) {
   EXPECT_EQ("b", Next(interpreter));
 }
 
+TEST(InterpreterCopy, OfOneThatHasReadNothingIsEmpty) {
+  DBInterpreter const source;
+  DBInterpreter target;
+  First(target, L"x,y");
+  DBInterpreter third(target);
+  target = source;
+  EXPECT_EQ("-", Next(target));
+  EXPECT_EQ("-", Next(third));
+}
+
 }  // namespace

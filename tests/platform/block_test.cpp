@@ -107,6 +107,14 @@ TEST_F(MemoryBlock, GrowsExactlyWhereTheReserveDoesNotFit) {
   EXPECT_EQ(1001u, block.size());
 }
 
+TEST_F(MemoryBlock, WithoutAReserveItAsksOnce) {
+  Block block;
+  FaultGuard faults;
+  faults.FailAt(1, Lasting::kForGood, kMemoryCalls);
+  EXPECT_FALSE(block.Resize(10));
+  EXPECT_EQ(1, faults.Count(kMemoryCalls));
+}
+
 TEST_F(MemoryBlock, MovingHandsTheBytesOver) {
   Block first;
   ASSERT_TRUE(first.Reset(5));

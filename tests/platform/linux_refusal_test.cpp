@@ -164,7 +164,22 @@ TEST_F(LinuxRefusal, NamesThatAreNoneAreRefused) {
   EXPECT_EQ(nullptr, os::OpenPlain("a", nullptr));
   EXPECT_TRUE(os::MakeTempFile(folder_.Path(""), nullptr).isEmpty());
   EXPECT_TRUE(os::MakeTempFile(zWString(), "dta").isEmpty());
-  EXPECT_FALSE(platform::SyncFolderOf(zWString(u"\xD800")));
+  zWString const none(u"\xD800");
+  zWString const file = folder_.Make("a", "x");
+  EXPECT_FALSE(platform::SyncFolderOf(none));
+  EXPECT_EQ(Error::kNotFound, platform::Copy(file, none));
+  EXPECT_EQ(Error::kNotFound, platform::Copy(none, file));
+  EXPECT_EQ(Error::kNotFound, platform::Replace(file, none));
+  EXPECT_EQ(Error::kNotFound, platform::Replace(none, file));
+  EXPECT_EQ("x", folder_.Content("a"));
+}
+
+TEST_F(LinuxRefusal, OnlyAFolderThatIsThereIsSynced) {
+  EXPECT_TRUE(platform::SyncFolderOf(zWString(u"a")));
+  EXPECT_TRUE(platform::SyncFolderOf(zWString(u"/a")));
+  EXPECT_FALSE(platform::SyncFolderOf(folder_.Path("none/a")));
+  // A file system that has no such step.
+  EXPECT_TRUE(platform::SyncFolderOf(zWString(u"/proc/self/a")));
 }
 
 TEST_F(LinuxRefusal, OnlyExistingFilesAreTheSame) {
@@ -188,6 +203,8 @@ TEST_F(LinuxRefusal, ATempFolderWhoseNameIsNoTextIsNotTaken) {
   ASSERT_EQ(0, mkdir(odd.c_str(), 0700));
   setenv("TMPDIR", odd.c_str(), 1);
   EXPECT_EQ(zWString(u"/tmp/"), platform::TempFolder());
+  setenv("TMPDIR", folder_.Make("file", "x").toUtf8().c_str(), 1);
+  EXPECT_EQ(zWString(u"/tmp/"), platform::TempFolder());
   if (before != nullptr) {
     setenv("TMPDIR", saved.c_str(), 1);
   } else {
@@ -205,6 +222,18 @@ TEST_F(LinuxRefusal, ALinkIntoAnotherFileSystemIsItselfReplaced) {
   ASSERT_EQ(0, lstat(link.c_str(), &status));
   EXPECT_TRUE(S_ISREG(status.st_mode));
   EXPECT_EQ("new", folder_.Content("link"));
+}
+
+TEST_F(LinuxRefusal, ALinkThatLeadsNowhereStays) {
+  folder_.Make("new", "new");
+  std::string const link = folder_.PathUtf8("link");
+  ASSERT_EQ(0, symlink("nowhere", link.c_str()));
+  EXPECT_EQ(Error::kHeld,
+            platform::Replace(folder_.Path("new"), folder_.Path("link")));
+  struct stat status = {};
+  ASSERT_EQ(0, lstat(link.c_str(), &status));
+  EXPECT_TRUE(S_ISLNK(status.st_mode));
+  EXPECT_EQ("new", folder_.Content("new"));
 }
 
 // The old file's owner and group cannot be given to the new one: its group

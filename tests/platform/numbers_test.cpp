@@ -44,6 +44,8 @@ TEST(ParseInt32, NoNumberIsZero) {
   EXPECT_EQ(0, ParseInt32(u"- 5"));
   EXPECT_EQ(0, ParseInt32(u"abc"));
   EXPECT_EQ(0, ParseInt32(u"\xFF15"));  // a digit, but not of these
+  EXPECT_EQ(0, ParseInt32(u"\x08"
+                          u"5"));  // not white space
   EXPECT_EQ(0, ParseInt32(u"\x0E"
                           u"5"));  // not white space
 }

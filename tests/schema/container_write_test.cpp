@@ -187,6 +187,12 @@ TEST_F(ContainerWrite, TableWithoutThatPartFails) {
   EXPECT_EQ(0, Write(1));
 }
 
+TEST_F(ContainerWrite, WithoutTablesTheHeaderOfAnyFileIsWritten) {
+  EXPECT_EQ(1, Write(99));
+  AddArtikel();
+  EXPECT_EQ(0, Write(99));
+}
+
 TEST_F(ContainerWrite, NamelessEntryFails) {
   directory_.AddEntry(new DBDefinition, "", folder_.Path("A"), false, 0, 0, 0,
                       0, 0);

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "DBDefinition.h"
+#include "schema/layout.h"
+#include "schema/names.h"
 #include "tests/schema/observers.h"
 #include "tests/support/new_guard.h"
 
@@ -206,6 +208,47 @@ TEST(Definition, WithoutMemoryThingsAreWholeOrNotAtAll) {
   EXPECT_EQ(11, n);  // three fields three times, one follower
   EXPECT_EQ((std::vector<std::string>{"1", kLayout, kLayout, kLayout}),
             results);
+}
+
+TEST(Definition, LayoutsAreTheSameByTypePlaceAndNumberOfFields) {
+  DBDefinition const two("integer ID,string NAME\n");
+  EXPECT_TRUE(SameLayout(two, DBDefinition("integer X,string Y\n")));
+  EXPECT_FALSE(SameLayout(two, DBDefinition("string ID,integer NAME\n")));
+  EXPECT_FALSE(SameLayout(two, DBDefinition("integer ID\n")));
+  // As long as the two, in one field.
+  DBDefinition const real("real PRICE\n");
+  EXPECT_EQ(two.GetMemorySize(), real.GetMemorySize());
+  EXPECT_FALSE(SameLayout(two, real));
+  DBDefinition const integers("integer A,integer B\n");
+  EXPECT_FALSE(SameLayout(two, integers));
+  // A field of no known type takes no room.
+  DBDefinition const three("integer ID,string NAME,float X\n");
+  EXPECT_FALSE(SameLayout(two, three));
+  EXPECT_FALSE(SameLayout(three, two));
+  DBDefinition moved(two);
+  moved.GetDefinition()->offset = 2;
+  EXPECT_FALSE(SameLayout(two, moved));
+}
+
+TEST(FieldNames, AreComparedAsFarAsAFieldHoldsThem) {
+  std::string const longest(DBFeld::kNameSize, 'x');
+  EXPECT_TRUE(SameName(longest.c_str(), (longest + "y").c_str()));
+  EXPECT_FALSE(SameName(longest.c_str(), longest.c_str() + 1));
+  EXPECT_FALSE(SameName(nullptr, "x"));
+  EXPECT_FALSE(SameName("x", nullptr));
+}
+
+TEST(FieldNames, OfEightCharactersAreLookedAtBehindThem) {
+  DBDefinition const definition(
+      "integer ABCDEFGH,integer ABCDEFGHI,integer ABCDEFG\n");
+  EXPECT_TRUE(NameKey("ABCDEFGH").IsNameOf(*definition.GetDefinition()));
+  EXPECT_FALSE(NameKey("ABCDEFGHI").IsNameOf(*definition.GetDefinition()));
+  EXPECT_FALSE(NameKey("ABCDEFG").IsNameOf(*definition.GetDefinition()));
+  auto const* const second = definition.GetDefinition()->next;
+  EXPECT_FALSE(NameKey("ABCDEFGH").IsNameOf(*second));
+  EXPECT_TRUE(NameKey("ABCDEFGHI").IsNameOf(*second));
+  EXPECT_TRUE(NameKey("ABCDEFG").IsShort(NameKey("ABCDEFG")));
+  EXPECT_FALSE(NameKey("ABCDEFG").IsShort(NameKey("ABCDEFGH")));
 }
 
 }  // namespace

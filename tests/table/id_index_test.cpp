@@ -319,6 +319,7 @@ TEST(BitTree, FindsTheEndsAndTheGaps) {
     EXPECT_EQ(size / 2, tree.LowestMissing(size / 3));
     tree.Insert(size - 1);
     EXPECT_EQ(std::nullopt, tree.LowestMissing(size / 2 + 1));
+    EXPECT_EQ(std::nullopt, tree.LowestMissing(size - 1));
     EXPECT_EQ(std::nullopt, tree.LowestMissing(size));
   }
 }

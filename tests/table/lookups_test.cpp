@@ -256,5 +256,54 @@ TEST_F(Lookups, NoticeTextsThatComeToLieBehindTheEnd) {
   EXPECT_EQ("1 NAME@1", Search("NAME", L"Caroline"));
 }
 
+TEST_F(Lookups, OfMoreColumnsThanAreRememberedAgreeAsWell) {
+  TestTable wide("string A,string B,string C,string D,string E,string F\n");
+  wide.AddRows(0, {"1|2|3|4|5|6", "a|b|c|d|e|f"});
+  for (int round = 0; round < 3; ++round) {
+    for (char const column : {'A', 'B', 'C', 'D', 'E', 'F'}) {
+      std::string const name(1, column);
+      std::wstring const text(1, static_cast<wchar_t>(column - 'A' + L'a'));
+      EXPECT_EQ(1, wide.table.SelectZeile(name.c_str(), text.c_str()));
+      EXPECT_EQ('1', Selected(wide.table).back()) << name;
+    }
+  }
+}
+
+// More rows than the lookup had buckets for, and one that moves far.
+TEST_F(Lookups, FollowManyNewRowsOfOneText) {
+  Search("NAME", L"same");
+  Search("NAME", L"same");
+  for (int i = 0; i < 300; ++i) {
+    ASSERT_TRUE(table_.NeueZeile(true));
+    table_.SelectColumn("NAME");
+    ASSERT_EQ(1, table_.SetWert(i == 150 ? L"other" : L"same"));
+    ASSERT_EQ(PlainSearch("NAME", L"same"), Search("NAME", L"same"));
+  }
+  Search("NAME", L"other");
+  ASSERT_EQ(1, table_.SetWert(L"same"));
+  EXPECT_EQ(PlainSearch("NAME", L"other"), Search("NAME", L"other"));
+  EXPECT_EQ(PlainSearch("NAME", L"same"), Search("NAME", L"same"));
+}
+
+// The one text that the store ends without a NUL, and a place that is none.
+TEST_F(Lookups, NoticeTextsOfOtherColumnsThatAreNone) {
+  auto& part = made_.Part(0);
+  auto const record =
+      static_cast<std::int32_t>(made_.entry->GetDefinition()->GetMemorySize());
+  StoreValue(part.Row(0, record) + kNote, std::int32_t{-1});
+  ASSERT_TRUE(part.strings->Append(u"end"));
+  part.strings->Truncate(part.strings->count() - 1);
+  ++part.revision;
+  for (auto const* text : {L"Eva", L"Ida", L"a longer text than all others"}) {
+    Search("NAME", L"Eva");
+    Search("NAME", L"Eva");
+    table_.SelectColumn("NAME");
+    table_.SelectZeile(0L);
+    ASSERT_EQ(1, table_.SetWert(text));
+    EXPECT_EQ(PlainSearch("NAME", text), Search("NAME", text));
+    EXPECT_EQ(PlainSearch("NOTE", L"y"), Search("NOTE", L"y"));
+  }
+}
+
 }  // namespace
 }  // namespace tabwerk::test

@@ -108,4 +108,13 @@ TEST(PatternLimits, WhatAGroupMatchedCannotBeReferredTo) {
   EXPECT_EQ("complexity", Result(Times(500, u"(a)") + u"\\1", u"aa"));
 }
 
+TEST(PatternLimits, TooManySetsAreAnError) {
+  std::u16string sets;
+  for (int i = 0; i < 4097; ++i) {
+    sets += u"[" + std::u16string(1, static_cast<char16_t>(0x4E00 + i)) + u"]?";
+  }
+  EXPECT_EQ("complexity", Result(sets, u""));
+  EXPECT_EQ("match", Result(sets.substr(0, 4 * 4096), u"\u4E01"));
+}
+
 }  // namespace

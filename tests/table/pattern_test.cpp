@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <random>
 #include <regex>
 #include <string>
 
@@ -84,6 +85,16 @@ TEST(Pattern, ClassesAndBracketsAreTheStandardLibrarys) {
   EXPECT_TRUE(Matches(u"[\\]\\-]+", u"-]"));
   EXPECT_TRUE(Matches(u"\\x41\\.\\t\\cA", u"A.\tA"));
   EXPECT_FALSE(Matches(u"[]", u"a"));
+}
+
+TEST(Pattern, HexadecimalDigitsOfBothCasesNameAUnit) {
+  EXPECT_TRUE(Matches(u"\\x30\\x39", u"09"));
+  EXPECT_TRUE(Matches(u"\\x4a\\x4A\\x4f\\x4F", u"JJOO"));
+  EXPECT_TRUE(Matches(u"\\u00aA\\u00fF", u"\u00AA\u00FF"));
+  for (char16_t const unit : u"/:@G`g") {
+    std::u16string const expression = {u'\\', u'x', u'4', unit};
+    EXPECT_EQ(codes::error_escape, ErrorOf(expression));
+  }
 }
 
 TEST(Pattern, AssertionsLookAtTheTextAround) {
@@ -241,6 +252,44 @@ TEST(PatternRandom, AcceptsWhatTheStandardLibraryAccepts) {
     std::u16string const longer = std::u16string(500, u'z') + expression;
     ASSERT_EQ(judged.has_value(), ErrorOf(longer).has_value())
         << "seed " << seed << " " << zWString(expression).toUtf8();
+  }
+}
+
+// Each of the units in turn, in an expression that tells them apart.
+std::u16string AnyOf(int count) {
+  std::u16string expression = u"(";
+  for (int i = 0; i < count; ++i) {
+    if (i > 0) expression += u'|';
+    expression += static_cast<char16_t>(0x400 + i);
+  }
+  return expression + u")*";
+}
+
+TEST(Pattern, ManyKindsOfUnitsAreToldApart) {
+  for (int const count : {62, 63, 64, 65, 100}) {
+    Pattern pattern(AnyOf(count));
+    std::u16string text;
+    for (int i = 0; i < count; ++i) text += static_cast<char16_t>(0x400 + i);
+    EXPECT_TRUE(pattern.Matches(text)) << count;
+    EXPECT_TRUE(pattern.MatchesBySteps(text)) << count;
+    text += static_cast<char16_t>(0x400 + count);
+    EXPECT_FALSE(pattern.Matches(text)) << count;
+    EXPECT_NE(true, pattern.MatchesStored(text)) << count;
+  }
+}
+
+// The expression has more states than are remembered.
+TEST(Pattern, ManyStatesAreToldApart) {
+  Pattern pattern(u"(a|b)*a(a|b){12}");
+  std::mt19937 random(1);
+  std::u16string text;
+  for (int i = 0; i < 3000; ++i) text += random() % 2 == 0 ? u'a' : u'b';
+  for (std::size_t size = 13; size <= text.size(); size += 7) {
+    auto const start = text.substr(0, size);
+    bool const expected = start[size - 13] == u'a';
+    ASSERT_EQ(expected, pattern.Matches(start)) << size;
+    auto const stored = pattern.MatchesStored(start);
+    ASSERT_TRUE(!stored || *stored == expected) << size;
   }
 }
 

@@ -81,6 +81,18 @@ TEST_F(Zeile, NegativeOffsetFails) {
   EXPECT_EQ(0, zeile_.SetWert(1L));
 }
 
+TEST_F(Zeile, OffsetBeyond32BitsFails) {
+  if (sizeof(long) == 4) {
+    GTEST_SKIP() << "no offset here is that large";
+  }
+  auto const beyond = std::int64_t{1} << 32;
+  zeile_.SelectField(&field_, static_cast<long>(beyond));
+  EXPECT_EQ(0, zeile_.SetWert(1L));
+  zeile_.SelectField(&field_, static_cast<long>(-beyond));
+  EXPECT_EQ(0, zeile_.SetWert(1L));
+  EXPECT_EQ((std::array<std::byte, 16>{}), record_);
+}
+
 TEST_F(Zeile, GetMemoryCountsBytesFromTheRecordsStart) {
   EXPECT_EQ(record_.data() + 5, zeile_.GetMemory(5));
   EXPECT_EQ(&field_, zeile_.GetField());

@@ -120,5 +120,9 @@ TEST(WideString, NumberMayBeNone) {
   EXPECT_EQ("nan", Decimal(-nan));
 }
 
+TEST(WideString, CapitalsAmongSmallLettersStay) {
+  EXPECT_EQ(u"\u0100\u0100\u0102\u0102", Upper(u"\u0100\u0101\u0102\u0103"));
+}
+
 }  // namespace
 }  // namespace tabwerk::test
