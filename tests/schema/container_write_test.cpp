@@ -233,6 +233,13 @@ TEST_F(ContainerWrite, DefinitionFitsUpToTheLimit) {
   EXPECT_EQ(0, Write());
 }
 
+TEST_F(ContainerWrite, DefinitionThatGrowsFarBeyondTheLimitFails) {
+  std::string text;
+  for (int i = 0; i < 2000; ++i) text += "LONG A,";
+  Add("T", (text + "LONG B\n").c_str());
+  EXPECT_EQ(0, Write());
+}
+
 TEST_F(ContainerWrite, RowsWithoutBytesFail) {
   Add("T", "")->row_count = 1;
   EXPECT_EQ(0, Write());

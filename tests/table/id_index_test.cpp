@@ -185,8 +185,10 @@ TEST(IdIndex, StaysRightWhenRoomIsMadeForScatteredIds) {
   IdIndex index;
   index.Set(kLargest, 1);
   index.Set(0, 0);
-  index.Reserve(10'000);
-  ExpectSame(Model{{0, 0}, {kLargest, 1}}, index);
+  for (std::size_t const count : {10'000u, 1u}) {
+    index.Reserve(count);
+    ExpectSame(Model{{0, 0}, {kLargest, 1}}, index);
+  }
 }
 
 TEST(IdIndex, FreeIdBehindAFullArray) {

@@ -6,10 +6,13 @@
 #include <iterator>
 #include <map>
 #include <random>
+#include <span>
 #include <string>
 
 #include "DBbase.h"
 #include "schema/bytes.h"
+#include "table/section_source.h"
+#include "table/table_access.h"
 #include "tests/support/table_builder.h"
 
 namespace tabwerk::test {
@@ -254,6 +257,19 @@ TEST_F(Lookups, NoticeTextsThatComeToLieBehindTheEnd) {
   table_.SelectZeile(2L);
   EXPECT_EQ(1, table_.SetWert(L"Caroline"));
   EXPECT_EQ("1 NAME@1", Search("NAME", L"Caroline"));
+}
+
+TEST_F(Lookups, NoticeStatusFromAnIndexFile) {
+  std::string bytes = "STATUS";
+  for (int const number : {4, 1, 0, 1, 0}) {
+    bytes += std::string({static_cast<char>(number), 0, 0, 0});
+  }
+  table_.MakeIndexStatus();
+  EXPECT_EQ(PlainCount(), Count());
+  MemorySource source(std::as_bytes(std::span(bytes)));
+  ASSERT_TRUE(TableAccess::ReadStatus(table_, source, RowUpdate::kRowsToo));
+  EXPECT_EQ(2, table_.GetAnzahlAktiveZeilen());
+  EXPECT_EQ(PlainCount(), Count());
 }
 
 TEST_F(Lookups, OfMoreColumnsThanAreRememberedAgreeAsWell) {

@@ -4,11 +4,14 @@
 #include <cstdint>
 #include <limits>
 
+#include "table/row_walk.h"
 #include "table/table_access.h"
 #include "tests/support/table_builder.h"
 
 namespace {
 
+using tabwerk::CountRows;
+using tabwerk::RowWalk;
 using tabwerk::TableAccess;
 using tabwerk::test::Indices;
 using tabwerk::test::Rows;
@@ -95,6 +98,38 @@ TEST_F(TabelleValues, ColumnOfUnknownTypeHasNoValue) {
   // It stands behind the last byte of the record.
   EXPECT_EQ(0, t_.table.SetWert(L"x"));
   EXPECT_EQ("[1|1.5|Anna|][2|2.5|Bert|][3|3.5|Carl|]", Rows(*t_.entry));
+}
+
+// A host may change the type of a field that its record has no room for.
+TEST_F(TabelleValues, ValueThatIsLongerThanItsRecordIsNone) {
+  TestTable t("integer ID\n");
+  t.AddRow(0, "7");
+  t.table.SelectColumn("ID");
+  t.table.SelectZeile(0L);
+  t.table.GetAktuelleFeldDef()->type = DBTypeReal;
+  EXPECT_EQ(0, t.table.SetWert(1.5));
+  double value = 7;
+  EXPECT_EQ(0, t.table.GetWert(value));
+  EXPECT_EQ(7, value);
+  t.table.GetAktuelleFeldDef()->type = DBTypeInteger;
+  EXPECT_EQ("[7]", Rows(*t.entry));
+}
+
+TEST_F(TabelleValues, ATableWithoutADefinitionHasNoRows) {
+  DBTabelle table;
+  RowWalk walk(table);
+  EXPECT_FALSE(walk.Next());
+  EXPECT_FALSE(walk.MoveTo(0));
+  EXPECT_EQ(0, CountRows(table));
+}
+
+TEST_F(TabelleValues, RowsWithoutBytesHaveNoValues) {
+  TestTable t("blob DATA\n");
+  t.Part(0).row_count = 2;
+  RowWalk walk(t.table);
+  EXPECT_TRUE(walk.MoveTo(1));
+  EXPECT_FALSE(walk.MoveTo(2));
+  EXPECT_FALSE(walk.MoveTo(-1));
 }
 
 TEST_F(TabelleValues, WithoutARowEveryAccessFails) {

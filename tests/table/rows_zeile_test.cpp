@@ -76,6 +76,11 @@ TEST_F(Zeile, WithoutRecordFails) {
   EXPECT_EQ(0, zeile_.SetWert(1L));
 }
 
+TEST_F(Zeile, WithoutFieldFails) {
+  zeile_.SelectField(nullptr, 4);
+  EXPECT_EQ(0, zeile_.SetWert(1L));
+}
+
 TEST_F(Zeile, NegativeOffsetFails) {
   zeile_.SelectField(&field_, -4);
   EXPECT_EQ(0, zeile_.SetWert(1L));
