@@ -58,6 +58,7 @@ class LanguagesCommand : public Command {
     std::vector<DBTabelle*> const tables = Tables();
     LanguageRows rows(output_, &languages_, cells_);
     FindLanguages(tables);
+    if (auto const problem = languages_.ParseOnly()) return Report(*problem);
     if (auto const problem = rows.Begin()) return Report(*problem);
     CountAll(tables, rows);
     if (auto const problem = rows.End()) return Report(*problem);
@@ -112,7 +113,8 @@ class LanguagesCommand : public Command {
   ExitCode Judge(std::vector<SectionCounts> const& totals) const {
     ExitCode code = failure_;
     for (std::size_t k = 0; k < totals.size(); ++k) {
-      if (!least_percent_ || !totals[k].IsBelow(*least_percent_)) continue;
+      if (!least_percent_ || !languages_.Wants(k)) continue;
+      if (!totals[k].IsBelow(*least_percent_)) continue;
       ExitCode const low =
           Report({TW(530), files_.main,
                   fmt::format("language {} is complete by {} %, less than {} %",
@@ -142,8 +144,10 @@ CommandEntry const kLanguagesCommand = {
     {{"languages geo.db", "per cents by table, column and language"},
      {"languages geo.db --languages en,de,fr --fail-under 98",
       "for a build that must not ship without French"},
-     {"languages geo.db GEO.UDB --cells --format csv -o todo.csv",
-      "what is missing, for the translators"}},
+     {"languages geo.db GEO.UDB --cells --language 2 --format csv -o todo.csv",
+      "what is missing in one language, for its translator"},
+     {"show geo.db CURRENCY --language all --limit 1",
+      "which number is which language?"}},
     &MakeCommand<LanguagesCommand>};
 
 }  // namespace tabwerk::tool

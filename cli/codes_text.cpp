@@ -33,6 +33,10 @@ constexpr CodeEntry kCodes[] = {
     {531, "number-of-languages", "The number of languages makes no sense",
      ExitCode::kUsage, "Languages are numbered from 0 to 32767.",
      "tabwerk languages stock.db --languages en,de,fr"},
+    {532, "no-such-language", "There is no such language", ExitCode::kUsage,
+     "A language has a number, from 0, or one of the names that --languages "
+     "gives.",
+     "tabwerk languages stock.db --languages en,de,fr --language fr"},
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "cli/language_names.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <system_error>
@@ -17,6 +18,14 @@ bool IsNumber(std::string const& text) {
   return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
 
+std::optional<std::size_t> ParseNumber(std::string const& text) {
+  std::size_t number = 0;
+  auto const result =
+      std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec != std::errc()) return std::nullopt;
+  return number;
+}
+
 }  // namespace
 
 void AddLanguagesOption(Options& options, LanguageNames* languages) {
@@ -26,6 +35,11 @@ void AddLanguagesOption(Options& options, LanguageNames* languages) {
            "without, as many as any text has")
       .List()
       .Value("N|NAMES");
+  options
+      .Add("--language", languages->only_word_,
+           "This one only: its number, 0 is the first, or its name among "
+           "--languages")
+      .Value("N|NAME");
 }
 
 std::optional<Problem> LanguageNames::Parse() {
@@ -34,15 +48,32 @@ std::optional<Problem> LanguageNames::Parse() {
     names_ = words_;
     count_ = names_.size();
   } else {
-    std::string const& text = words_.front();
-    auto const result =
-        std::from_chars(text.data(), text.data() + text.size(), count_);
-    if (result.ec != std::errc()) count_ = 0;
+    count_ = ParseNumber(words_.front()).value_or(0);
   }
   if (count_ >= 1 && count_ <= kMostLanguages) return std::nullopt;
   return Problem{TW(531), "",
                  "--languages: there are between 1 and 32768 languages",
                  "give their number, or their names as en,de,fr"};
+}
+
+std::optional<Problem> LanguageNames::ParseOnly() {
+  if (only_word_.empty()) return std::nullopt;
+  auto const name = std::find(names_.begin(), names_.end(), only_word_);
+  std::size_t number = count_;
+  if (name != names_.end()) {
+    number = static_cast<std::size_t>(name - names_.begin());
+  } else if (IsNumber(only_word_)) {
+    number = ParseNumber(only_word_).value_or(count_);
+  }
+  if (number < count_) {
+    only_ = number;
+    return std::nullopt;
+  }
+  return Problem{TW(532), "", "there is no language " + only_word_,
+                 count_ == 0 ? "no text has sections for languages"
+                             : "they are numbered from 0 to " +
+                                   std::to_string(count_ - 1) +
+                                   "; --languages gives them names"};
 }
 
 std::string LanguageNames::Name(std::size_t language) const {

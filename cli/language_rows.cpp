@@ -91,6 +91,7 @@ std::vector<ColumnHead> LanguageRows::Heads() const {
   std::vector<ColumnHead> heads = {
       {"TABLE"}, {"COLUMN"}, {"TEXTS", kNumber}, {"PLAIN", kNumber}};
   for (std::size_t k = 0; k < languages_.Count(); ++k) {
+    if (!languages_.Wants(k)) continue;
     std::string const name = languages_.Name(k);
     heads.push_back({name.empty() ? std::to_string(k) : name});
   }
@@ -148,8 +149,8 @@ void LanguageRows::AddMatrixRow(ColumnCoverage const& coverage) {
       coverage.table.empty() ? Cell("(all)") : Cell(coverage.table),
       TextCell(coverage.column), std::int64_t{coverage.texts},
       std::int64_t{coverage.plain}};
-  for (SectionCounts const& counts : coverage.languages) {
-    cells.emplace_back(InShort(counts));
+  for (std::size_t k = 0; k < coverage.languages.size(); ++k) {
+    if (languages_.Wants(k)) cells.emplace_back(InShort(coverage.languages[k]));
   }
   cells.emplace_back(std::int64_t{coverage.SurplusCount()});
   out_.Add(std::move(cells));
@@ -157,6 +158,7 @@ void LanguageRows::AddMatrixRow(ColumnCoverage const& coverage) {
 
 void LanguageRows::AddRows(ColumnCoverage const& coverage) {
   for (std::size_t k = 0; k < coverage.languages.size(); ++k) {
+    if (!languages_.Wants(k)) continue;
     SectionCounts const& counts = coverage.languages[k];
     out_.Add({TextCell(coverage.table), TextCell(coverage.column),
               NumberCell(k), TextCell(languages_.Name(k)),
@@ -174,6 +176,7 @@ void LanguageRows::AddRows(ColumnCoverage const& coverage) {
 void LanguageRows::AddSurplusRows(ColumnCoverage const& coverage) {
   for (std::size_t k = 0; k < coverage.surplus.size(); ++k) {
     if (coverage.surplus[k] == 0) continue;
+    if (!languages_.Wants(coverage.languages.size() + k)) continue;
     std::vector<Cell> cells = {TextCell(coverage.table),
                                TextCell(coverage.column),
                                NumberCell(coverage.languages.size() + k)};
@@ -185,7 +188,7 @@ void LanguageRows::AddSurplusRows(ColumnCoverage const& coverage) {
 
 void LanguageRows::AddCell(std::string const& column,
                            IncompleteText const& cell) {
-  if (!out_.WantsMore()) return;
+  if (!languages_.Wants(cell.language) || !out_.WantsMore()) return;
   bool const is_main = cell.row < main_rows_;
   out_.Add({table_, is_main ? main_file_ : user_file_, NumberCell(cell.row),
             ids_[cell.row], column,

@@ -1,4 +1,6 @@
 // tabwerk languages.
+#include <algorithm>
+#include <sstream>
 
 #include "tests/cli/expected.h"
 #include "tests/cli/json.h"
@@ -88,6 +90,40 @@ TEST_F(ToolLanguages, FailsUnderAPercentage) {
   EXPECT_EQ(
       0, Run({"languages", "a.db", "--languages", "3", "--fail-under", "57.14"})
              .exit_code);
+}
+
+TEST_F(ToolLanguages, ShowsOneOfThem) {
+  MakeMixed();
+  std::string const all = Out({"--languages", "en,de,fr", "--cells"});
+  std::string french;
+  std::istringstream lines(all);
+  for (std::string line; std::getline(lines, line);) {
+    bool const is_head = line.starts_with("TABLE\t");
+    if (is_head || line.find("\t2\tfr\t") != line.npos) french += line + "\n";
+  }
+  EXPECT_LT(2, std::count(french.begin(), french.end(), '\n'));
+  for (char const* const language : {"fr", "2"}) {
+    EXPECT_EQ(french, Out({"--languages", "en,de,fr", "--cells", "--language",
+                           language}));
+  }
+  std::string const matrix =
+      Out({"--languages", "en,de,fr", "--language", "fr"});
+  EXPECT_EQ(0U, matrix.find("TABLE\tCOLUMN\tTEXTS\tPLAIN\tfr\tSURPLUS\n"))
+      << matrix;
+  auto const run = RunToLook({"languages", "a.db", "--languages", "en,de,fr",
+                              "--language", "de", "--fail-under", "75"});
+  EXPECT_EQ(0U, run.err.find("a.db: error[TW530]: language 1 (de) is "));
+  EXPECT_EQ(1, std::count(run.err.begin(), run.err.end(), '\n'));
+  for (char const* const none : {"it", "3", "99999999999999999999"}) {
+    auto const refused = RunToLook(
+        {"languages", "a.db", "--languages", "3", "--language", none});
+    EXPECT_EQ("tabwerk: error[TW532]: there is no language " +
+                  std::string(none) +
+                  "; they are numbered from 0 to 2; --languages gives them "
+                  "names\n",
+              refused.err);
+    EXPECT_EQ(2, refused.exit_code);
+  }
 }
 
 TEST_F(ToolLanguages, RefusesNumbersThatMakeNoSense) {
