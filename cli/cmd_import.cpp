@@ -56,13 +56,13 @@ class ImportCommand : public Command {
     AddWriteOptions(options, &write_);
     options.Notes(
         "csv and tsv begin with a line of column names; json is an array of\n"
-        "objects, ndjson an object a line, both in UTF-8.  Columns that are\n"
+        "objects, ndjson an object a line, all in UTF-8.  Lines end in a line\n"
+        "feed, with or without a carriage return before it.  Columns that are\n"
         "missing get 0 or an empty text.  A missing USERFILE is made.  ID,\n"
         "FOLGE and STATUS get the next free values; a NAME that is taken or\n"
-        "empty gets \"_NEW\".  Empty lines are left out.  Rows that do not fit "
-        "the "
-        "table\n"
-        "are written, as they stand, to ROWS.rejected.");
+        "empty gets \"_NEW\".  Empty lines are left out.  Rows that do not "
+        "fit\n"
+        "the table are written, as they stand, to ROWS.rejected.");
   }
 
   ExitCode Run() override {

@@ -256,7 +256,8 @@ std::optional<Problem> DatabaseExport::Run(DatabaseFile const& file) {
   exported_.database_file = is_plain            ? name
                             : IsUserFile(path_) ? "DATABASE.UDB"
                                                 : "database.db";
-  script_ = "NEWDATABASE " + (is_plain ? stem : std::string("DATABASE")) + " " +
+  std::string const database = DatabaseFiles{path_, "", ""}.DatabaseName();
+  script_ = "NEWDATABASE " + (is_plain ? database : "DATABASE") + " " +
             exported_.database_file + "\n";
   exported_.files.push_back({base_ + ".script", ""});
   for (TableSummary const& table : file.tables) {

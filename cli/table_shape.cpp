@@ -9,6 +9,7 @@
 
 #include "DBDirectory.h"
 #include "cli/files.h"
+#include "cli/session.h"
 #include "cli/table_list.h"
 #include "schema/layout.h"
 
@@ -141,7 +142,8 @@ std::optional<Problem> ReadShapes(std::string const& path,
 
 std::string ShapesAsScript(Shapes const& tables, std::string const& path) {
   std::string text =
-      fmt::format("NEWDATABASE {} {}\n", Stem(path), FileName(path));
+      fmt::format("NEWDATABASE {} {}\n",
+                  DatabaseFiles{path, "", ""}.DatabaseName(), FileName(path));
   // Scripts take names byte for byte.
   for (TableShape const& table : tables) {
     text += fmt::format("\nNEWTABLE {}\n", table.bytes);

@@ -38,6 +38,26 @@ TEST_F(ToolImportNamed, CsvIsTakenByName) {
       NewRows());
 }
 
+TEST_F(ToolImportNamed, TakesLinesThatEndInEither) {
+  for (auto const& [file, lines] :
+       std::vector<std::pair<std::string, std::vector<std::string>>>{
+           {"rows.csv", {"NAME,PRICE", "\"a\rb\",1", "c,2"}},
+           {"rows.tsv", {"NAME\tPRICE", "a\\rb\t1", "c\t2"}},
+           {"rows.ndjson",
+            {"{\"NAME\": \"a\\rb\", \"PRICE\": 1}",
+             "{\"NAME\": \"c\", \"PRICE\": 2}"}}}) {
+    for (char const* const end : {"\n", "\r\n"}) {
+      MakeUserFile();
+      std::filesystem::remove(folder_.folder() / "STOCK.idx");
+      std::string content;
+      for (std::string const& line : lines) content += line + end;
+      auto const run = Import(file, content);
+      EXPECT_EQ(0, run.exit_code) << run.err;
+      EXPECT_EQ("[20001|4|0|a\rb|1][20002|5|0|c|2]", NewRows()) << file;
+    }
+  }
+}
+
 TEST_F(ToolImportNamed, TsvTakesWhatShowPrints) {
   EXPECT_EQ(0, Run({"add", "stock.db", "STOCK.UDB", "-t", "ARTICLE",
                     "NAME=a\\b\tc\nd"})

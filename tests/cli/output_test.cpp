@@ -56,6 +56,20 @@ class ToolOutput : public ToolTest {
   }
 };
 
+TEST_F(ToolOutput, EndsLinesInALineFeedOnEverySystem) {
+  MakeStock();
+  for (char const* const format :
+       {"table", "csv", "tsv", "json", "ndjson", "md", "list"}) {
+    std::string const rows = Rows(format);
+    EXPECT_EQ('\n', rows.back()) << format;
+    EXPECT_EQ(rows.npos, rows.find('\r')) << format;
+    EXPECT_EQ(0, Run({"show", "stock.db", "-t", "ARTICLE", "--format", format,
+                      "-o", "rows"})
+                     .exit_code);
+    EXPECT_EQ(rows, folder_.Content("rows")) << format;
+  }
+}
+
 TEST_F(ToolOutput, EscapesWhatEachFormatNeeds) {
   std::string found;
   for (char const* const format :
