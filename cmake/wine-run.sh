@@ -13,7 +13,8 @@ mkdir -p "$1"
 WINEPREFIX=$(cd "$1" && pwd)
 shift
 export WINEPREFIX
-export WINEDEBUG=${WINEDEBUG:--all}
+# Wine's errors: a program that it cannot start says nothing else.
+export WINEDEBUG=${WINEDEBUG:--all,err+all}
 # No offers to download components that nothing here needs; no display.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml,winemenubuilder.exe=}
 export WINEARCH=win64

@@ -1,5 +1,7 @@
 #include "tests/cli/run_tool.h"
 
+#include <gtest/gtest.h>
+
 #include "tests/support/child_process.h"
 #include "tests/support/places.h"
 #include "tests/support/temp_folder.h"
@@ -103,8 +105,13 @@ ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
     DWORD code = 0;
     GetExitCodeProcess(made.hProcess, &code);
     run.exit_code = static_cast<int>(code);
+    // A status in place of an exit code: it crashed, or could not begin.
+    constexpr DWORD kLeastStatus = 0xC0000000;
+    EXPECT_GT(kLeastStatus, code) << "of the tool";
     CloseHandle(made.hThread);
     CloseHandle(made.hProcess);
+  } else {
+    ADD_FAILURE() << "the tool does not start: error " << GetLastError();
   }
   for (HANDLE const handle :
        {start.hStdInput, start.hStdOutput, start.hStdError}) {
@@ -147,7 +154,8 @@ void Redirect(std::string const& path, int flags, int target) {
 
 int WaitFor(pid_t process) {
   int status = 0;
-  if (process < 0 || waitpid(process, &status, 0) != process) return -1;
+  EXPECT_TRUE(process >= 0 && waitpid(process, &status, 0) == process);
+  EXPECT_FALSE(WIFSIGNALED(status)) << "the tool: signal " << WTERMSIG(status);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
