@@ -24,12 +24,21 @@ if [ "$1" = --stop ]; then
   exec wineserver -k
 fi
 
+# Wine's loader lies at a low address, and the system puts a program's heap
+# anywhere in the gigabyte behind it: once in thousands of times where Wine needs
+# to map a page of its own, and the program ends before it begins.  So addresses
+# are left in their order, where that is allowed.
+in_order=()
+if setarch -R true 2>/dev/null; then
+  in_order=(setarch -R)
+fi
+
 (
   flock 9
   # Fails when the server of this prefix is running already.
   if wineserver -p60 9>&-; then
-    wineboot --init 9>&- || true
+    "${in_order[@]}" wineboot --init 9>&- || true
   fi
 ) 9>"$WINEPREFIX/.start.lock" </dev/null >/dev/null 2>&1
 
-exec wine "$@"
+exec "${in_order[@]}" wine "$@"
