@@ -98,6 +98,8 @@ class Validator {
 }  // namespace
 
 struct Json::Value {
+  explicit Value(json read) : value(std::move(read)) {}
+
   json value;
 };
 
