@@ -9,6 +9,7 @@
 #include "table/row_walk.h"
 #include "table/sub_table.h"
 #include "table/table_access.h"
+#include "table/text_places.h"
 
 namespace tabwerk {
 namespace {
@@ -90,10 +91,11 @@ TextLookup const* RowLookups::TextsOf(DBTabelle& table, DBFeld* field) {
 }
 
 void RowLookups::SeePlaces(DBTabelle& table) {
-  std::vector<TextPlaces> places;
+  std::vector<Places> places;
   for (auto const& sub_table : TableAccess::SubTables(table)) {
-    places.push_back(
-        PlacesOf(*sub_table.part, *TableAccess::Definition(table)));
+    auto const most_units =
+        MostUnitsUnnamed(*sub_table.part, *TableAccess::Definition(table));
+    places.push_back({most_units, std::nullopt});
   }
   places_ = std::move(places);
 }
@@ -102,6 +104,20 @@ void RowLookups::SeePlaces(DBTabelle& table) {
 bool RowLookups::HasReachedValues(DBTabelle& table, std::size_t part) const {
   auto const& strings = *TableAccess::SubTables(table)[part].part->strings;
   return part < places_.size() && strings.count() > places_[part].most_units;
+}
+
+// Whether other values may have changed with a text that was overwritten.  Rows
+// that are only added never need to know.  Without memory they may.
+bool RowLookups::SharesPlaces(DBTabelle& table, std::size_t part) {
+  if (part >= places_.size()) return false;
+  auto& shared = places_[part].shared;
+  if (!shared) {
+    shared = Guarded(true, [&] {
+      return SharesTexts(*TableAccess::SubTables(table)[part].part,
+                         *TableAccess::Definition(table));
+    });
+  }
+  return *shared;
 }
 
 void RowLookups::RowAdded(DBTabelle& table, std::size_t part,
@@ -139,8 +155,8 @@ void RowLookups::TextSet(DBTabelle& table, std::size_t part,
     ForgetAll();
     return;
   }
-  bool const shared = part < places_.size() && places_[part].shared;
-  if ((shared && change == TextChange::kInPlace) ||
+  if (columns_.empty()) return;
+  if ((change == TextChange::kInPlace && SharesPlaces(table, part)) ||
       HasReachedValues(table, part)) {
     columns_.clear();
     return;

@@ -11,7 +11,6 @@
 
 #include "DBTabelle.h"
 #include "table/text_lookup.h"
-#include "table/text_places.h"
 
 namespace tabwerk {
 
@@ -62,6 +61,12 @@ class RowLookups {
     std::unique_ptr<TextLookup> texts;  // null before the second search
   };
 
+  // How far a text that is set can reach, in one part.
+  struct Places {
+    std::size_t most_units;      // of MostUnitsUnnamed
+    std::optional<bool> shared;  // SharesTexts, once it was needed
+  };
+
   void ForgetAll() noexcept;
   bool IsFresh(DBTabelle& table);
   // True when nothing but the one change to that part happened since; that
@@ -70,6 +75,7 @@ class RowLookups {
   void SeePresent(DBTabelle& table);
   void SeePlaces(DBTabelle& table);
   bool HasReachedValues(DBTabelle& table, std::size_t part) const;
+  bool SharesPlaces(DBTabelle& table, std::size_t part);
   // The entry of that column, made where there is none, as the last one.
   SearchedColumn& Searched(DBFeld const* field);
   void UpdateText(DBTabelle& table, SearchedColumn* column, std::int64_t row);
@@ -78,7 +84,7 @@ class RowLookups {
   DBFeld const* status_ = nullptr;   // null while the number is not known
   int active_rows_ = 0;
   std::vector<SearchedColumn> columns_;  // the one searched last at the end
-  std::vector<TextPlaces> places_;       // of every part, while texts are kept
+  std::vector<Places> places_;           // of every part, while texts are kept
 };
 
 }  // namespace tabwerk

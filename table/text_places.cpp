@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "schema/bytes.h"
@@ -14,39 +15,13 @@ bool StartsAText(DBStringMemory const& strings, std::size_t place) {
   return place == 0 || LoadValue<char16_t>(strings.data() + 2 * place - 2) == 0;
 }
 
-// Gathers the places of the values, one after the other.
-class Examination {
- public:
-  explicit Examination(DBStringMemory const& strings)
-      : strings_(strings), taken_(strings.count()) {
-    // A text is put behind the last one, which gets its end by that.
-    if (!StartsAText(strings, taken_.size())) found_.most_units = taken_.size();
-  }
-
-  void Add(std::int32_t index) {
-    if (index < 0) return;  // names no text, now or later
-    auto const place = static_cast<std::size_t>(index);
-    if (place >= taken_.size()) {
-      found_.most_units = std::min(found_.most_units, place);
-      return;
-    }
-    if (taken_[place] || !StartsAText(strings_, place)) found_.shared = true;
-    taken_[place] = true;
-  }
-  TextPlaces const& found() const { return found_; }
-
- private:
-  DBStringMemory const& strings_;
-  std::vector<bool> taken_;
-  TextPlaces found_;
-};
-
-}  // namespace
-
-TextPlaces PlacesOf(TablePart& part, DBDefinition const& definition) {
+// Calls visit(place) for every place that a string value of the part names.
+// Negative ones name no text, now or later.
+template <typename Visit>
+void ForEachPlace(TablePart& part, DBDefinition const& definition,
+                  Visit const& visit) {
   auto const record_size =
       static_cast<std::int32_t>(definition.GetMemorySize());
-  Examination examination(*part.strings);
   for (std::int32_t row = 0; row < part.Rows(); ++row) {
     auto const* const record = part.Row(row, record_size);
     if (record == nullptr) break;  // so do all rows behind it
@@ -56,10 +31,37 @@ TextPlaces PlacesOf(TablePart& part, DBDefinition const& definition) {
           !LiesInRecord(field->type, field->offset, record_size)) {
         continue;
       }
-      examination.Add(LoadValue<std::int32_t>(record + field->offset));
+      auto const index = LoadValue<std::int32_t>(record + field->offset);
+      if (index >= 0) visit(static_cast<std::size_t>(index));
     }
   }
-  return examination.found();
+}
+
+}  // namespace
+
+std::size_t MostUnitsUnnamed(TablePart& part,
+                             DBDefinition const& definition) noexcept {
+  std::size_t const count = part.strings->count();
+  // A text is put behind the last one, which gets its end by that.
+  auto most = StartsAText(*part.strings, count)
+                  ? std::numeric_limits<std::size_t>::max()
+                  : count;
+  ForEachPlace(part, definition, [&](std::size_t place) {
+    if (place >= count) most = std::min(most, place);
+  });
+  return most;
+}
+
+bool SharesTexts(TablePart& part, DBDefinition const& definition) {
+  auto const& strings = *part.strings;
+  std::vector<bool> taken(strings.count());
+  bool shares = false;
+  ForEachPlace(part, definition, [&](std::size_t place) {
+    if (place >= taken.size()) return;
+    if (taken[place] || !StartsAText(strings, place)) shares = true;
+    taken[place] = true;
+  });
+  return shares;
 }
 
 }  // namespace tabwerk
