@@ -474,6 +474,25 @@ TEST_F(IndexFile, IsSharedByDatabasesOfOneNameInOneFolder) {
   EXPECT_EQ((std::vector<std::int64_t>{1000, 3000}), Index().time_stamps);
 }
 
+// Saves of two files ended before their last step; the later one knows the
+// stamp of the earlier.
+TEST_F(IndexFile, OfTwoThatWaitTheOneThatKnowsTheOtherFileIsTaken) {
+  for (bool const user_file_is_newer : {false, true}) {
+    DBbase::Init({}, {});
+    std::filesystem::remove(Path("STOCK.idx"));
+    auto of_main = Good();
+    of_main.time_stamps = {999, user_file_is_newer ? 1998 : 2000};
+    auto of_user = Good();
+    of_user.time_stamps = {user_file_is_newer ? 1000 : 998, 1999};
+    of_user.tables[0].status = {2, 2, 2, 2};
+    WriteFileBytes(Path("STOCK.idx.1000"), EncodeIndex(of_main));
+    WriteFileBytes(Path("STOCK.idx.2000"), EncodeIndex(of_user));
+    Make();
+    EXPECT_EQ(user_file_is_newer ? "[2][2][2][2]" : "[1][1][1][1]", Status());
+    EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
+  }
+}
+
 TEST_F(IndexFile, OfNoDatabaseHasNoName) {
   EXPECT_EQ("", ManagerAccess::IndexFileName(*Manager(), nullptr).toUtf8());
 }

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "platform/os_linux.h"
 #include "platform/platform.h"
@@ -88,6 +89,17 @@ TEST_F(LinuxRefusal, SyncTellsOfADeviceThatCannotBeWaitedFor) {
   ASSERT_NE(nullptr, null);
   EXPECT_FALSE(os::Sync(null));
   EXPECT_TRUE(os::Close(null));
+}
+
+TEST_F(LinuxRefusal, TextTellsOfAFullDisk) {
+  for (char const* const path : {"/dev/null", "/dev/full"}) {
+    FILE* const stream = os::OpenPlain(path, "wb");
+    ASSERT_NE(nullptr, stream);
+    ASSERT_EQ(0, std::setvbuf(stream, nullptr, _IONBF, 0));
+    EXPECT_EQ(path == std::string_view("/dev/null"),
+              os::WriteText(stream, u"text"));
+    static_cast<void>(os::Close(stream));
+  }
 }
 
 TEST_F(LinuxRefusal, ACopyThatDoesNotFitIsRemoved) {
