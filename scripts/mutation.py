@@ -3,13 +3,21 @@
 notice.
 
     mutation.py [--count N] [--seed N] [--minimum PERCENT] [--jobs N] [--list]
-                [--only TEXT]
+                [--only TEXT] [--headers] [--resume FILE]
 
 A fault turns a comparison, a logical operator or a condition around, drops one
 side of "&&" or "||", or changes a constant result.  N places are drawn at
 random; each is built in a copy of the sources and runs the tests of its layer,
 then those of the layers above, until one fails.  A fault that does not compile
-is drawn again.  --only takes all whose "PATH:LINE: CHANGED LINE" has the text.
+is drawn again.  --only takes those whose "PATH:LINE: CHANGED LINE" has the
+text.  Headers are left out, because half of the tests have to be compiled anew
+for each; --headers takes them in.
+
+--resume takes the faults as noticed that a file says so of: what an interrupted
+run has printed.
+
+The draw depends on the seed and on the changed lines alone, so most of a sample
+stays the same when the library changes.
 
 The survivors are listed.  Those that change nothing a caller can see stand in
 cmake/mutation.txt; they count as not noticed.  The script fails below the
@@ -21,9 +29,9 @@ TABWERK_BUILD_ROOT names another folder than build/.
 
 import argparse
 import concurrent.futures
+import hashlib
 import os
 import pathlib
-import random
 import re
 import shutil
 import subprocess
@@ -34,7 +42,9 @@ from argued import Argued
 
 LAYERS = ["ztypes", "platform", "schema", "table", "base", "interp"]
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-SECONDS_FOR_A_PROGRAM = 120
+# Of the processor; what hangs without it ends after ten times as long.
+SECONDS_FOR_A_PROGRAM = 90
+BYTES_FOR_A_PROGRAM = 8 << 30
 # For the random tests; what they do not find so soon, others have to.
 OPERATIONS = "200"
 
@@ -87,10 +97,10 @@ def faults_of_line(line):
                         yield f"{line[:match.end()]}{side}{line[end:]}"
 
 
-def all_faults(root):
+def all_faults(root, suffixes):
     for layer in LAYERS:
         for path in sorted((root / layer).iterdir()):
-            if (path.suffix not in (".cpp", ".h") or "windows" in path.name
+            if (path.suffix not in suffixes or "windows" in path.name
                     or path.name.startswith("seam")):
                 continue
             lines = path.read_text(encoding="utf-8").split("\n")
@@ -133,12 +143,14 @@ class House:
     def passes(self, program):
         try:
             return subprocess.run(
-                [self.build / "bin" / program, "--gtest_brief=1",
+                ["prlimit", f"--as={BYTES_FOR_A_PROGRAM}",
+                 f"--cpu={SECONDS_FOR_A_PROGRAM}",
+                 self.build / "bin" / program, "--gtest_brief=1",
                  "--gtest_fail_fast"],
                 cwd=self.build, stdin=subprocess.DEVNULL,
                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                 env={**os.environ, "TABWERK_OPERATIONS": OPERATIONS},
-                timeout=SECONDS_FOR_A_PROGRAM).returncode == 0
+                timeout=10 * SECONDS_FOR_A_PROGRAM).returncode == 0
         except subprocess.TimeoutExpired:
             return False
 
@@ -190,16 +202,32 @@ class Tally:
                   flush=True)
 
 
-def judge_in_turn(house, faults, lock, tally, count):
+def known_verdicts(name):
+    """What a run has printed: the program by the line of a fault."""
+    if not name:
+        return {}
+    with open(name, encoding="utf-8") as source:
+        parts = [line.rstrip("\n").split(": ", 1) for line in source]
+    return {part[1]: part[0] for part in parts
+            if len(part) == 2 and part[0].endswith("_test")
+            and " " not in part[0]}
+
+
+def judge_in_turn(house, faults, known, lock, tally, count):
     """Takes faults from the iterator until enough of them have compiled."""
     while True:
         with lock:
             fault = next(faults, None)
             if fault is None or tally.tried >= count:
                 return
-        verdict = judge(house, fault)
+        verdict = known.get(text_of(fault)) or judge(house, fault)
         if verdict is not None:
             tally.add(fault, verdict)
+
+
+def draw(seed, fault):
+    path, _, changed = fault
+    return hashlib.sha256(f"{seed} {path} {changed.strip()}".encode()).digest()
 
 
 def text_of(fault):
@@ -228,11 +256,14 @@ def main():
     arguments.add_argument("--minimum", type=float, default=85)
     arguments.add_argument("--jobs", type=int, default=os.cpu_count())
     arguments.add_argument("--only", default="")
+    arguments.add_argument("--headers", action="store_true")
+    arguments.add_argument("--resume", default="")
     arguments.add_argument("--list", action="store_true",
                            help="print all places and stop")
     options = arguments.parse_args()
 
-    places = list(all_faults(ROOT))
+    places = list(all_faults(ROOT, (".cpp", ".h") if options.headers
+                             else (".cpp",)))
     argued = Argued(ROOT / "cmake" / "mutation.txt")
     if argued.complain([(path, text) for path, _, text in places],
                        "no such fault"):
@@ -241,12 +272,13 @@ def main():
     if options.list:
         print("\n".join(map(text_of, faults)))
         return 0
-    random.Random(options.seed).shuffle(faults)
+    faults.sort(key=lambda fault: draw(options.seed, fault))
 
     houses = made_houses(options.jobs)
     tally, remaining, lock = Tally(argued), iter(faults), threading.Lock()
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        for work in [pool.submit(judge_in_turn, house, remaining, lock, tally,
+        for work in [pool.submit(judge_in_turn, house, remaining,
+                                 known_verdicts(options.resume), lock, tally,
                                  options.count) for house in houses]:
             work.result()
     percent = 100 * tally.noticed / max(tally.tried, 1)

@@ -23,7 +23,9 @@ cmake --build "$root/dev" -j "$(nproc)" --target "${layers[@]/%/_test}" \
   -- --quiet >>"$root/logs/valgrind-build.log"
 
 # The longest random tests are cut down; leaks are the sanitizer's to find.
-export TABWERK_OPERATIONS=${TABWERK_OPERATIONS:-500}
+export TABWERK_OPERATIONS=${TABWERK_OPERATIONS:-100}
+. scripts/timed_tests.sh
+export GTEST_FILTER="*:-$timed_tests"
 # Tests put their own operator new in the place of the system's and make it
 # fail, so valgrind must leave it alone.
 run() {
@@ -40,7 +42,8 @@ for layer in "${layers[@]}"; do
   log=$root/logs/valgrind-$layer.log
   errors=$(grep -c '^==.*\(uninitialised\|Invalid\|points to\)' "$log" || true)
   echo "[ SWEEP    ] valgrind $layer: $errors reports," \
-    "$(sed -n 's/^\[  PASSED  \] /passed /p' "$log")"
+    "$(sed -n 's/^\[  PASSED  \] /passed /p' "$log")," \
+    "$(grep -c '^\[  FAILED  \].* ms)$' "$log" || true) failed"
   grep -q '^\[  PASSED  \]' "$log" && ! grep -q '^\[  FAILED  \]' "$log" &&
     [ "$errors" -eq 0 ] || sed -n '1,60p' "$log"
 done

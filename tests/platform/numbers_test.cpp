@@ -140,6 +140,7 @@ TEST(ParseReal, LongTextsAreExact) {
   EXPECT_EQ(1.0, Real(half));
   EXPECT_EQ(1.0, Real(half + zeros));
   EXPECT_EQ(std::nextafter(1.0, 2.0), Real(half + zeros + "1"));
+  EXPECT_EQ(std::nextafter(1.0, 2.0), Real(half + zeros + "10"));
 }
 
 TEST(ParseReal, HugeTextsTakeLittleTime) {

@@ -87,6 +87,13 @@ TEST(Pattern, ClassesAndBracketsAreTheStandardLibrarys) {
   EXPECT_FALSE(Matches(u"[]", u"a"));
 }
 
+TEST(Pattern, BackslashBeforeALetterBeyondAsciiIsTheStandardLibrarys) {
+  std::wregex const standard(L"\\\u00E9");
+  EXPECT_EQ(std::regex_match(L"\u00E9", standard),
+            Matches(u"\\\u00E9", u"\u00E9"));
+  EXPECT_EQ(std::regex_match(L"e", standard), Matches(u"\\\u00E9", u"e"));
+}
+
 TEST(Pattern, HexadecimalDigitsOfBothCasesNameAUnit) {
   EXPECT_TRUE(Matches(u"\\x30\\x39", u"09"));
   EXPECT_TRUE(Matches(u"\\x4a\\x4A\\x4f\\x4F", u"JJOO"));

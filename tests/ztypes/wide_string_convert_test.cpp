@@ -38,6 +38,8 @@ TEST(WideStringConvert, EachIllFormedRunIsOneReplacement) {
   EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD", FromUtf8("\xE0\x80\x80"));  // long form
   EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD", FromUtf8("\xED\xA0\x80"));  // surrogate
   EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD\uFFFD", FromUtf8("\xF4\x90\x80\x80"));
+  EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD\uFFFD", FromUtf8("\xF5\x80\x80\x80"));
+  EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD\uFFFD", FromUtf8("\xFF\x80\x80\x80"));
   EXPECT_EQ(u"\uFFFD", FromUtf8("\xE2\x82"));  // breaks off
   EXPECT_EQ(
       u"\uFFFD"
