@@ -37,6 +37,7 @@ bool RowLookups::IsFresh(DBTabelle& table) {
 }
 
 void RowLookups::SeePresent(DBTabelle& table) {
+  if (IsFresh(table)) return;
   seen_.clear();
   for (auto const& sub_table : TableAccess::SubTables(table)) {
     seen_.push_back(sub_table.part->revision);
@@ -55,7 +56,7 @@ std::optional<int> RowLookups::ActiveRows(DBTabelle& table) {
 
 void RowLookups::SetActiveRows(DBTabelle& table, DBFeld const* status,
                                int count) {
-  if (!IsFresh(table)) SeePresent(table);
+  SeePresent(table);
   status_ = status;
   active_rows_ = count;
 }
@@ -74,7 +75,7 @@ RowLookups::SearchedColumn& RowLookups::Searched(DBFeld const* field) {
 }
 
 TextLookup const* RowLookups::TextsOf(DBTabelle& table, DBFeld* field) {
-  if (!IsFresh(table)) SeePresent(table);
+  SeePresent(table);
   auto& column = Searched(field);
   auto const language = CurrentLanguage();
   // A single search is not worth it: looking at the rows once is faster.

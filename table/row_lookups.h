@@ -72,6 +72,7 @@ class RowLookups {
   // True when nothing but the one change to that part happened since; that
   // change then counts as seen.
   bool FollowsOn(DBTabelle& table, std::size_t part);
+  // What is remembered from here on is that of the present rows.
   void SeePresent(DBTabelle& table);
   void SeePlaces(DBTabelle& table);
   bool HasReachedValues(DBTabelle& table, std::size_t part) const;

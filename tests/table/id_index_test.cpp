@@ -191,6 +191,20 @@ TEST(IdIndex, StaysRightWhenRoomIsMadeForScatteredIds) {
   }
 }
 
+// The array answers without asking for memory, the hash does not.
+TEST(IdIndex, ExpectedIdsAreNotTakenForScattered) {
+  for (bool const expected : {false, true}) {
+    IdIndex index;
+    if (expected) index.Reserve(1000);
+    index.Set(0, 1);
+    index.Set(4000, 2);
+    auto const before = tabwerk::test::CountNews();
+    auto const largest = index.LargestId();
+    EXPECT_EQ(expected, before == tabwerk::test::CountNews());
+    EXPECT_EQ(4000, largest);
+  }
+}
+
 TEST(IdIndex, FreeIdBehindAFullArray) {
   for (std::int32_t const first : {0, kLargest - 99}) {
     IdIndex index;
