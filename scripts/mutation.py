@@ -183,8 +183,9 @@ def judge(house, fault):
 class Tally:
     """What has become of the faults."""
 
-    def __init__(self, argued):
+    def __init__(self, argued, count):
         self.argued = argued
+        self.count = count
         self.lock = threading.Lock()
         self.tried = self.noticed = self.wrong = 0
 
@@ -192,6 +193,8 @@ class Tally:
         path, number, changed = fault
         argued = self.argued.has(path, changed)
         with self.lock:
+            if self.tried == self.count:
+                return
             self.tried += 1
             self.noticed += verdict != ""
             self.wrong += argued == (verdict != "")
@@ -275,7 +278,8 @@ def main():
     faults.sort(key=lambda fault: draw(options.seed, fault))
 
     houses = made_houses(options.jobs)
-    tally, remaining, lock = Tally(argued), iter(faults), threading.Lock()
+    tally, remaining = Tally(argued, options.count), iter(faults)
+    lock = threading.Lock()
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         for work in [pool.submit(judge_in_turn, house, remaining,
                                  known_verdicts(options.resume), lock, tally,
