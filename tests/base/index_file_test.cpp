@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "base/manager_access.h"
+#include "platform/platform.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
 #include "tests/support/new_guard.h"
@@ -491,6 +492,26 @@ TEST_F(IndexFile, OfTwoThatWaitTheOneThatKnowsTheOtherFileIsTaken) {
     EXPECT_EQ(user_file_is_newer ? "[2][2][2][2]" : "[1][1][1][1]", Status());
     EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
   }
+}
+
+// While another program has the lock, nothing is looked at a second time.
+TEST_F(IndexFile, OfTwoThatWaitTheRightOneIsTakenAtTheFirstLook) {
+  auto of_main = Good();
+  of_main.time_stamps = {999, 2000};
+  auto of_user = Good();
+  of_user.time_stamps = {998, 1999};
+  of_user.tables[0].status = {2, 2, 2, 2};
+  WriteFileBytes(Path("STOCK.idx.1000"), EncodeIndex(of_main));
+  WriteFileBytes(Path("STOCK.idx.2000"), EncodeIndex(of_user));
+  auto error = platform::Error::kNone;
+  auto* const lock =
+      platform::OpenFile(W(Path("STOCK.idxL")), platform::Mode::kCreate,
+                         platform::Share::kDenyAll, &error);
+  ASSERT_NE(nullptr, lock);
+  Configure("STOCK", {"MAIN.db", "USER.UDB"});
+  EXPECT_EQ(1, Manager()->Open(W("STOCK"), false, false));
+  EXPECT_EQ("[1][1][1][1]", Status());
+  EXPECT_TRUE(platform::Close(lock));
 }
 
 TEST_F(IndexFile, OfNoDatabaseHasNoName) {
