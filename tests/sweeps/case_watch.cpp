@@ -6,10 +6,12 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
+
+#include "tests/support/processor_time.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define TABWERK_TEST_SANITIZED
@@ -61,13 +63,6 @@ void* WatchForHangs(void*) {
   return nullptr;
 }
 
-double Seconds(clockid_t clock) {
-  timespec time{};
-  clock_gettime(clock, &time);
-  return static_cast<double>(time.tv_sec) +
-         1e-9 * static_cast<double>(time.tv_nsec);
-}
-
 std::string Short(double number) {
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%.1f", number);
@@ -116,11 +111,13 @@ void CaseWatch::Run(std::string const& name,
   std::snprintf(running.data(), running.size(), "%s", name.c_str());
   ++started;
   ++cases_;
-  double const clock_before = Seconds(CLOCK_MONOTONIC);
-  double const used_before = Seconds(CLOCK_PROCESS_CPUTIME_ID);
+  auto const begin = std::chrono::steady_clock::now();
+  ProcessorTime const time;
   work();
-  double const used = Seconds(CLOCK_PROCESS_CPUTIME_ID) - used_before;
-  double const taken = Seconds(CLOCK_MONOTONIC) - clock_before;
+  double const used = time.Seconds();
+  double const taken =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - begin)
+          .count();
   EXPECT_LE(used, CaseSeconds()) << "seconds of processor: " << name;
   EXPECT_LE(taken, CaseSeconds() * kWaiting) << "seconds: " << name;
   total_ += taken;

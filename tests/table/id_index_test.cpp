@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <limits>
 #include <map>
 #include <random>
@@ -11,11 +10,13 @@
 
 #include "table/bit_tree.h"
 #include "tests/support/new_guard.h"
+#include "tests/support/processor_time.h"
 
 namespace {
 
 using tabwerk::BitTree;
 using tabwerk::IdIndex;
+using tabwerk::test::ProcessorTime;
 
 constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
@@ -256,11 +257,9 @@ TEST(IdIndex, ShrinksWithoutMemoryOrNot) {
 }
 
 double Seconds(auto const& work) {
-  auto const start = std::chrono::steady_clock::now();
+  ProcessorTime const time;
   work();
-  std::chrono::duration<double> const seconds =
-      std::chrono::steady_clock::now() - start;
-  return seconds.count();
+  return time.Seconds();
 }
 
 // Far above what linear work needs, far below what quadratic work does.
