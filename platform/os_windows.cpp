@@ -9,9 +9,11 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <sys/stat.h>
 
 #include <cstring>
 #include <cwchar>
+#include <string>
 #include <string_view>
 
 namespace tabwerk::platform::os {
@@ -98,6 +100,23 @@ std::wstring Widen(std::string_view bytes, UINT code_page, DWORD flags) {
   return text;
 }
 
+// Makes a file that must not be there yet.  The C library does not know "x" on
+// every Windows: it would empty the file that is there.
+FILE* OpenNew(std::wstring const& path, std::string const& mode) {
+  int const access = mode.find('+') != mode.npos ? _O_RDWR : _O_WRONLY;
+  int const descriptor =
+      _wopen(path.c_str(), access | _O_CREAT | _O_EXCL | _O_BINARY,
+             _S_IREAD | _S_IWRITE);
+  if (descriptor < 0) {
+    return nullptr;
+  }
+  FILE* const stream = _fdopen(descriptor, mode.c_str());
+  if (stream == nullptr) {
+    _close(descriptor);
+  }
+  return stream;
+}
+
 }  // namespace
 
 FILE* OpenFile(zWString const& path, Mode mode, Share share, Error* error) {
@@ -137,8 +156,13 @@ FILE* OpenPlain(char const* path, char const* mode) {
   if (native.empty()) {
     return nullptr;
   }
-  std::wstring const wide_mode(mode, mode + std::strlen(mode));
-  FILE* const stream = _wfopen(native.c_str(), wide_mode.c_str());
+  std::string known_mode = mode;
+  bool const only_new = std::erase(known_mode, 'x') > 0 && *mode != 'r';
+  FILE* const stream =
+      only_new
+          ? OpenNew(native, known_mode)
+          : _wfopen(native.c_str(),
+                    std::wstring(known_mode.begin(), known_mode.end()).c_str());
   if (stream != nullptr) {
     // Programs that the host starts do not inherit the stream.
     SetHandleInformation(

@@ -375,7 +375,13 @@ TEST_F(TableData, ModesOfTheCLibraryMayBeMoreThanRead) {
   DBInterpreter reader;
   EXPECT_EQ(1, reader.OpenDatei(old.c_str(), "r+t"));
   reader.CloseDatei();
-  EXPECT_EQ(0, reader.OpenDatei(old.c_str(), "wx"));
+  for (char const* const mode : {"wx", "w+x", "wxt", "ax"}) {
+    EXPECT_EQ(0, reader.OpenDatei(old.c_str(), mode)) << mode;
+  }
+  auto const made = folder.Path("new.txt");
+  EXPECT_EQ(1, reader.OpenDatei(made.c_str(), "wx"));
+  reader.CloseDatei();
+  EXPECT_EQ(0, reader.OpenDatei(made.c_str(), "wx"));
   EXPECT_EQ(0, reader.OpenDatei(old.c_str(), "+"));
   TestTable target("integer ID\n");
   reader.SetTabelle(&target.table);
