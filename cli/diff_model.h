@@ -47,7 +47,7 @@ struct RowChange {
 
 // What a table is called and how its rows are told apart.
 struct TableChange {
-  Change change;  // kChanged: both have it
+  Change change = Change::kChanged;  // both have it
   std::string name;
   bool by_id = false;  // else by the number of the row
   std::int64_t rows_before = 0;

@@ -110,25 +110,6 @@ int DBDefinition::GetOffset(char const* name, DBFeld*& field) const {
 
 namespace tabwerk {
 
-std::int32_t ValueSize(DBType type) noexcept {
-  switch (type) {
-    case DBTypeReal:
-      return format::kRealSize;
-    case DBTypeInteger:
-      return format::kIntegerSize;
-    case DBTypeString:
-      return format::kStringSize;
-    case DBTypeUnknown:
-      break;
-  }
-  return 0;
-}
-
-bool LiesInRecord(DBType type, std::int32_t offset,
-                  std::int64_t record_size) noexcept {
-  return offset >= 0 && std::int64_t{offset} + ValueSize(type) <= record_size;
-}
-
 bool SameLayout(DBDefinition const& left, DBDefinition const& right) noexcept {
   if (left.GetMemorySize() != right.GetMemorySize()) return false;
   DBFeld const* one = left.GetDefinition();

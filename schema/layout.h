@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "DBDefinition.h"
+#include "schema/format.h"
 
 namespace tabwerk {
 
@@ -19,12 +20,26 @@ struct DefinitionAccess {
 };
 
 // Bytes of a value of that type in a row record; 0 for an unknown type.
-std::int32_t ValueSize(DBType type) noexcept;
+inline std::int32_t ValueSize(DBType type) noexcept {
+  switch (type) {
+    case DBTypeReal:
+      return format::kRealSize;
+    case DBTypeInteger:
+      return format::kIntegerSize;
+    case DBTypeString:
+      return format::kStringSize;
+    case DBTypeUnknown:
+      break;
+  }
+  return 0;
+}
 
 // True when a value of that type at that offset lies inside a record of
 // record_size bytes.  A host can write to a field's offset.
-bool LiesInRecord(DBType type, std::int32_t offset,
-                  std::int64_t record_size) noexcept;
+inline bool LiesInRecord(DBType type, std::int32_t offset,
+                         std::int64_t record_size) noexcept {
+  return offset >= 0 && std::int64_t{offset} + ValueSize(type) <= record_size;
+}
 
 // True when both describe the same row record: the same number of fields with
 // the same types and offsets, and the same record size.  Names do not count.

@@ -9,7 +9,6 @@
 #include "DBTabelle.h"
 #include "platform/guarded.h"
 #include "schema/bytes.h"
-#include "schema/format.h"
 #include "schema/layout.h"
 #include "schema/part.h"
 #include "table/id_index.h"
@@ -46,9 +45,8 @@ void FillRecord(std::byte* record, std::int32_t record_size,
   for (; field != nullptr; field = field->next) {
     if (field->type != DBTypeString) continue;
     auto const text = first_text++;
-    std::int32_t const offset = field->offset;
-    if (offset >= 0 && offset <= record_size - tabwerk::format::kStringSize) {
-      tabwerk::StoreValue(record + offset, text);
+    if (tabwerk::LiesInRecord(DBTypeString, field->offset, record_size)) {
+      tabwerk::StoreValue(record + field->offset, text);
     }
   }
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/platform.h"
+#include "tests/platform/refusal.h"
 #include "tests/support/fault_platform.h"
 #include "tests/support/temp_folder.h"
 
@@ -20,15 +21,6 @@ class PlatformFile : public testing::Test {
   FILE* Open(zWString const& path, Mode mode) {
     error_ = Error::kInputOutput;
     return platform::OpenFile(path, mode, Share::kDenyAll, &error_);
-  }
-
-  // The reason why the path does not open; kNone, and the stream closed, when
-  // it does.
-  Error Refusal(zWString const& path, Mode mode) {
-    if (FILE* const stream = Open(path, mode)) {
-      EXPECT_TRUE(platform::Close(stream));
-    }
-    return error_;
   }
 
   static std::string ReadSome(FILE* stream, std::size_t size) {

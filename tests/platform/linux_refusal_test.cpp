@@ -15,6 +15,7 @@
 
 #include "platform/os_linux.h"
 #include "platform/platform.h"
+#include "tests/platform/refusal.h"
 #include "tests/support/fault_platform.h"
 #include "tests/support/temp_folder.h"
 
@@ -23,22 +24,11 @@ namespace {
 
 using platform::Error;
 using platform::Mode;
-using platform::Share;
 namespace os = platform::os;
 
 class LinuxRefusal : public testing::Test {
  protected:
   ~LinuxRefusal() override { EXPECT_EQ(0, OpenStreams()); }
-
-  static Error Refusal(zWString const& path, Mode mode) {
-    Error error = Error::kNone;
-    FILE* const stream =
-        platform::OpenFile(path, mode, Share::kDenyAll, &error);
-    if (stream != nullptr) {
-      EXPECT_TRUE(platform::Close(stream));
-    }
-    return error;
-  }
 
   TempFolder folder_;
 };

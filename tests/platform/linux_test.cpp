@@ -11,6 +11,7 @@
 
 #include "platform/numbers.h"
 #include "platform/platform.h"
+#include "tests/platform/refusal.h"
 #include "tests/support/fault_platform.h"
 #include "tests/support/temp_folder.h"
 
@@ -32,16 +33,6 @@ class LinuxFile : public testing::Test {
   unsigned Permissions(std::string const& name) {
     struct stat status = {};
     return stat(Native(name).c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
-  }
-
-  Error Refusal(zWString const& path, Mode mode) {
-    Error error = Error::kInputOutput;
-    FILE* const stream =
-        platform::OpenFile(path, mode, Share::kDenyAll, &error);
-    if (stream != nullptr) {
-      EXPECT_TRUE(platform::Close(stream));
-    }
-    return error;
   }
 
   TempFolder folder_;
