@@ -73,6 +73,17 @@ class DryRunFiles {
   std::string ending_ = kEnding;
 };
 
+// Of all data files that the script reads.
+long long DataBytes(ScriptScan const& scan) {
+  long long bytes = 0;
+  for (ScriptData const& data : scan.data) {
+    std::error_code error;
+    auto const size = std::filesystem::file_size(DataPath(data.path), error);
+    if (!error) bytes += static_cast<long long>(size);
+  }
+  return bytes;
+}
+
 class BuildCommand : public Command {
  public:
   void Declare(Options& options) override {
@@ -156,13 +167,16 @@ class BuildCommand : public Command {
   // script is what is carried out.
   ExitCode Build(ScriptScan const& scan, std::string const& script) {
     DBInterpreter interpreter;
-    int const result = ReadScript(&interpreter, script);
+    int const result = ReadScript(scan, &interpreter, script);
     if (result == kScriptFailed) return ReportFailure(scan, interpreter);
     return Finish(scan, interpreter, result);
   }
 
-  int ReadScript(DBInterpreter* interpreter, std::string const& script) const {
-    Progress const progress("building " + script_);
+  int ReadScript(ScriptScan const& scan, DBInterpreter* interpreter,
+                 std::string const& script) const {
+    Progress progress("building " + script_, DataBytes(scan) / kKiB, "KiB");
+    progress.Follow(
+        [interpreter] { return interpreter->GetReadBytes() / kKiB; });
     return interpreter->ReadScript(script.c_str(),
                                    zWString::fromUtf8(version_.value_or("")));
   }

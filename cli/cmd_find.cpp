@@ -75,7 +75,7 @@ class FindTextCommand : public Command {
     ExitCode code = ExitCode::kDone;
     auto const tables = Tables();
     Progress progress("searching", static_cast<long long>(tables.size()),
-                      "table");
+                      "tables");
     long long done = 0;
     for (std::string const& name : tables) {
       if (!out.WantsMore()) break;

@@ -9,7 +9,6 @@
 #include "cli/files.h"
 #include "cli/import_source.h"
 #include "cli/named_rows.h"
-#include "cli/progress.h"
 #include "cli/session.h"
 #include "cli/settings.h"
 #include "cli/text.h"
@@ -138,10 +137,7 @@ class ImportCommand : public Command {
   std::optional<Problem> AppendRows(DatabaseFiles const& files,
                                     DBTabelle& table) {
     bool complete = false;
-    {
-      Progress const progress("importing " + RowsName());
-      if (auto problem = source_->Append(table, &complete)) return problem;
-    }
+    if (auto problem = source_->Append(table, &complete)) return problem;
     if (!complete) return NotSaved(files_.user);
     return SaveUserFile(files);
   }

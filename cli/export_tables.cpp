@@ -139,7 +139,7 @@ bool TableExport::ColumnsTakeRows() {
 bool TableExport::Rows(std::vector<std::u16string>* lines) {
   long const count = table_.GetAnzahlZeilen();
   if (count > 0 && !ColumnsTakeRows()) return false;
-  Progress progress("exporting " + Name(), count, "row");
+  Progress progress("exporting " + Name(), count, "rows");
   DataLineWriter writer;
   bool sound = true;
   for (long row = 0; row < count; ++row) {

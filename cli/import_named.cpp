@@ -8,6 +8,7 @@
 #include "cli/field_value.h"
 #include "cli/files.h"
 #include "cli/import_source.h"
+#include "cli/progress.h"
 #include "cli/text.h"
 #include "ztypes.h"
 
@@ -130,6 +131,8 @@ std::optional<NamedObjection> NamedSource::Objection(
 
 std::optional<Problem> NamedSource::Append(DBTabelle& table, bool* complete) {
   *complete = true;
+  Progress progress("importing " + name_, AcceptedCount(), "rows");
+  long long done = 0;
   for (NamedRow const& row : rows_.rows) {
     if (row.objection) continue;
     std::map<std::string, std::wstring> values;
@@ -141,6 +144,7 @@ std::optional<Problem> NamedSource::Append(DBTabelle& table, bool* complete) {
       *complete = false;
       break;
     }
+    progress.Advance(++done);
   }
   return std::nullopt;
 }

@@ -4,6 +4,7 @@
 #include "cli/files.h"
 #include "cli/import_rows.h"
 #include "cli/import_source.h"
+#include "cli/progress.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -60,6 +61,11 @@ class PositionalSource : public ImportSource {
     if (interpreter.OpenDatei(ToUtf8(path).c_str(), "rb") == 0) {
       return TemporaryFolder::WhyMissing();
     }
+    Progress progress("importing " + name_,
+                      static_cast<long long>(2 * accepted_.size() / kKiB),
+                      "KiB");
+    progress.Follow(
+        [&interpreter] { return interpreter.GetReadBytes() / kKiB; });
     zWString version;
     static_cast<void>(interpreter.ReadDatei(version, true, separator));
     interpreter.CloseDatei();

@@ -31,8 +31,8 @@ class ImportSource {
   virtual char const* RejectedNoun() const = 0;
   // A file of the same kind with the rejected rows.
   virtual std::string RejectedBytes() const = 0;
-  // Appends the accepted rows.  False when not all of them got into the table;
-  // a problem when they could not be read.
+  // Appends the accepted rows, with a Progress.  False when not all of them got
+  // into the table; a problem when they could not be read.
   virtual std::optional<Problem> Append(DBTabelle& table, bool* complete) = 0;
 };
 

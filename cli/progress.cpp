@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "cli/console.h"
 #include "cli/settings.h"
@@ -31,7 +32,7 @@ std::string Duration(long long seconds) {
 }  // namespace
 
 std::string ProgressLine(std::string const& text, long long done,
-                         long long total, char const* unit,
+                         long long total, char const* units,
                          std::chrono::milliseconds elapsed, std::size_t width) {
   constexpr long long kBarWidth = 20;
   auto const seconds = static_cast<double>(elapsed.count()) / 1000;
@@ -44,11 +45,13 @@ std::string ProgressLine(std::string const& text, long long done,
     auto const filled = static_cast<long long>(part * kBarWidth);
     line += fmt::format("  [{:#<{}}{:{}}] {:3} %", "", filled, "",
                         kBarWidth - filled, static_cast<int>(part * 100));
-    if (done > 0 && seconds > 0) {
+    if (done == total) {
+      line += "  " + Duration(elapsed.count() / 1000);
+    } else if (done > 0 && seconds > 0) {
       auto const rate = static_cast<double>(done) / seconds;
       auto const left = static_cast<double>(total - done) / rate;
-      line += fmt::format("  {} {}s/s, {} left",
-                          Grouped(static_cast<long long>(rate)), unit,
+      line += fmt::format("  {} {}/s, {} left",
+                          Grouped(static_cast<long long>(rate)), units,
                           Duration(std::llround(left)));
     }
   }
@@ -64,8 +67,9 @@ struct Progress::State {
   bool has_ended = false;
   std::string text;
   long long total = 0;
-  char const* unit = "";
+  char const* units = "";
   std::atomic<long long> done = 0;
+  std::function<long long()> follow;
   std::thread thread;
 
   void Draw() {
@@ -82,7 +86,8 @@ struct Progress::State {
       auto const width =
           static_cast<std::size_t>(std::max(console::ErrWidth(), 1));
       std::string const line =
-          ProgressLine(OneBlankEach(text), done, total, unit, elapsed, width);
+          ProgressLine(OneBlankEach(text), follow ? follow() : done.load(),
+                       total, units, elapsed, width);
       Clear(drawn);
       console::Err(line);
       drawn = DisplayWidth(line);
@@ -103,12 +108,13 @@ struct Progress::State {
   }
 };
 
-Progress::Progress(std::string const& text, long long total, char const* unit) {
+Progress::Progress(std::string const& text, long long total,
+                   char const* units) {
   if (CurrentSettings().quiet || !console::ErrIsTerminal()) return;
   state_ = std::make_unique<State>();
   state_->text = text;
   state_->total = total;
-  state_->unit = unit;
+  state_->units = units;
   state_->thread = std::thread([state = state_.get()] { state->Draw(); });
   zSplashMessage::GetSplashMessage()->SetCallback(&State::Show, state_.get());
 }
@@ -128,6 +134,12 @@ void Progress::Advance(long long done) {
   if (state_ != nullptr) {
     state_->done.store(done, std::memory_order_relaxed);
   }
+}
+
+void Progress::Follow(std::function<long long()> done) {
+  if (state_ == nullptr) return;
+  std::lock_guard const lock(state_->mutex);
+  state_->follow = std::move(done);
 }
 
 }  // namespace tabwerk::tool

@@ -100,7 +100,7 @@ std::optional<Problem> PrintRows(TableRows& rows,
   auto const count = static_cast<long long>(chosen.size());
   // A terminal that takes the rows needs no other sign of life.
   std::optional<Progress> progress;
-  if (!out.IsTerminal()) progress.emplace("writing " + table, count, "row");
+  if (!out.IsTerminal()) progress.emplace("writing " + table, count, "rows");
   long long done = 0;
   for (long const row : chosen) {
     if (!out.WantsMore()) break;

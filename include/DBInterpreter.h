@@ -2,6 +2,7 @@
 #ifndef TABWERK_DBINTERPRETER_H
 #define TABWERK_DBINTERPRETER_H
 
+#include <atomic>
 #include <memory>
 
 #include "tabwerk_export.h"
@@ -23,7 +24,7 @@ struct InterpreterAccess;
 //
 // An interpreter owns its open file.  A copy shares the file, its position and
 // the line that is being split with its source; both are released once, by the
-// last of them.  The table and the error are copied.
+// last of them.  The table and the error are copied, the count of bytes is not.
 class TABWERK_API DBInterpreter {
  public:
   // No file, no table, no error.
@@ -50,6 +51,11 @@ class TABWERK_API DBInterpreter {
   int GetError() const;
   // Valid until the next error or the end of this object.
   char const* GetErrorString() const;
+  // Bytes of table data and of delimited rows that this interpreter has read
+  // since it was made; byte-order marks are not among them.  The one operation
+  // that another thread may call meanwhile: it tells how far a ReadScript or
+  // ReadDatei has come.
+  long long GetReadBytes() const;
 
   // Splits a line at separators that stand neither between double quotes nor
   // inside "#TS(" … ")TS~".  With a line, returns its first token; with null,
@@ -89,6 +95,7 @@ class TABWERK_API DBInterpreter {
   DBTabelle* table_ = nullptr;
   char error_text_[1024];
   int error_number_ = 0;
+  std::atomic<long long> read_bytes_{0};
   std::shared_ptr<tabwerk::TokenBuffer> tokens_;  // made with the first line
   // The cursor and the buffer that it points into: in a copy that has not yet
   // split a line of its own, the source's.

@@ -1,5 +1,7 @@
 // The interpreter object: its file, its line, its error.
 #include <algorithm>
+#include <atomic>
+#include <cstddef>
 #include <cstdio>
 #include <iterator>
 #include <memory>
@@ -69,6 +71,15 @@ void InterpreterAccess::RecordError(DBInterpreter& interpreter, int number,
                                   message, table_name));
 }
 
+void InterpreterAccess::CountRead(DBInterpreter& interpreter,
+                                  std::size_t bytes) {
+  // One thread writes, so nothing is lost between the two.
+  auto& count = interpreter.read_bytes_;
+  count.store(
+      count.load(std::memory_order_relaxed) + static_cast<long long>(bytes),
+      std::memory_order_relaxed);
+}
+
 }  // namespace tabwerk
 
 DBInterpreter::DBInterpreter() : error_text_{} {}
@@ -115,6 +126,10 @@ void DBInterpreter::SetTabelle(DBTabelle* table) { table_ = table; }
 int DBInterpreter::GetError() const { return error_number_; }
 
 char const* DBInterpreter::GetErrorString() const { return error_text_; }
+
+long long DBInterpreter::GetReadBytes() const {
+  return read_bytes_.load(std::memory_order_relaxed);
+}
 
 wchar_t* DBInterpreter::GetNextToken(wchar_t* line, wchar_t separator) {
   return Guarded<wchar_t*>(nullptr, [&]() -> wchar_t* {

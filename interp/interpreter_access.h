@@ -2,6 +2,7 @@
 #ifndef TABWERK_INTERP_INTERPRETER_ACCESS_H
 #define TABWERK_INTERP_INTERPRETER_ACCESS_H
 
+#include <cstddef>
 #include <string_view>
 
 #include "DBInterpreter.h"
@@ -36,6 +37,8 @@ struct InterpreterAccess {
   // error.
   static void RecordError(DBInterpreter& interpreter, int number,
                           char const* message, char const* table_name);
+  // Adds to what GetReadBytes returns.
+  static void CountRead(DBInterpreter& interpreter, std::size_t bytes);
   // Sets the cursor to the start of the interpreter's own line and returns that
   // line, to be filled.  Throws std::bad_alloc.
   static TokenBuffer& BeginLine(DBInterpreter& interpreter);

@@ -47,6 +47,7 @@ void RowImport::Read(TextFile& file) {
     // Kept: a carriage return stays in the last value.
     if (piece.ends_with(u'\n')) piece.remove_suffix(1);
     ReadLine(piece);
+    InterpreterAccess::CountRead(interpreter_, file.PieceBytes());
   }
 }
 

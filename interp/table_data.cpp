@@ -41,6 +41,7 @@ DataResult TableDataReader::Read(TextFile& file) {
   std::u16string_view piece;
   while (file.ReadPiece(&piece)) {
     if (!ReadLine(WithoutLineEnd(piece))) return failure_;
+    InterpreterAccess::CountRead(interpreter_, file.PieceBytes());
   }
   return file.Failed() ? DataResult::kLost : DataResult::kRead;
 }

@@ -54,6 +54,7 @@ bool TextFile::ReadPiece(std::u16string_view* text) {
       // A line that ends in a read error has not been read.
       if (piece.empty() || (failed_ && line_feed == piece.npos)) return false;
       begin_ += piece.size();
+      piece_units_ = piece.size();
       *text = piece.substr(0, piece.find(u'\0'));
       return true;
     }

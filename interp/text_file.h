@@ -34,6 +34,8 @@ class TextFile {
   // first NUL of the piece; it is valid until the next call.  False when
   // nothing is left or reading failed.  An odd last byte is left out.
   [[nodiscard]] bool ReadPiece(std::u16string_view* text);
+  // Bytes of the last piece, with what stands behind a NUL.
+  std::size_t PieceBytes() const { return 2 * piece_units_; }
   // True when seeking or reading has failed since the last SeekTo.
   bool Failed() const { return failed_; }
 
@@ -45,6 +47,7 @@ class TextFile {
   StreamHandle stream_;
   bool at_end_ = false;
   bool failed_ = false;
+  std::size_t piece_units_ = 0;
   std::size_t begin_ = 0;  // unread units: units_[begin_] to units_[end_ - 1]
   std::size_t end_ = 0;
   std::array<unsigned char, 2 * kChunkUnits> bytes_;

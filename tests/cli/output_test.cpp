@@ -273,19 +273,44 @@ TEST_F(ToolText, GroupsDigits) {
 TEST_F(ToolProgress, ShowsBarRateAndRemainingTime) {
   using std::chrono::milliseconds;
   EXPECT_EQ("writing T  [#####               ]  25 %  1 000 rows/s, 3 s left",
-            tool::ProgressLine("writing T", 1000, 4000, "row",
+            tool::ProgressLine("writing T", 1000, 4000, "rows",
                                milliseconds(1000), 80));
-  EXPECT_EQ("writing T  [####################] 100 %  2 000 rows/s, 0 s left",
-            tool::ProgressLine("writing T", 5000, 4000, "row",
+  EXPECT_EQ("writing T  [####################] 100 %  2 s",
+            tool::ProgressLine("writing T", 5000, 4000, "rows",
                                milliseconds(2000), 80));
   EXPECT_EQ("T  [                    ]   0 %  1 rows/s, 1 h 06 min left",
-            tool::ProgressLine("T", 1, 4000, "row", milliseconds(1000), 80));
+            tool::ProgressLine("T", 1, 4000, "rows", milliseconds(1000), 80));
   EXPECT_EQ(
       "building a ... 1 min 05 s",
       tool::ProgressLine("building a", 0, 0, "", milliseconds(65000), 80));
   EXPECT_EQ("build…",
             tool::ProgressLine("building a", 0, 0, "", milliseconds(65000), 7));
 }
+
+#ifndef _WIN32
+
+// So many rows that the machine needs more than half a second for them.
+TEST_F(ToolOutput, TerminalShowsABarWhileADatabaseIsBuilt) {
+  folder_.Make("a.script",
+               "NEWDATABASE a a.db\nNEWTABLE T\nID integer\nENDDEF\n"
+               "TABLEDATA T t.txt\n");
+  std::string shown;
+  for (std::size_t rows = 200000; rows <= 6400000; rows *= 2) {
+    std::string text = "\xFF\xFE";
+    for (std::size_t i = 0; i < rows; ++i) text.append("7\0\n\0", 4);
+    folder_.Make("t.txt", text);
+    auto const run =
+        RunToolOnTerminal(folder_.folder(), {"build", "a.script"}, 80);
+    EXPECT_EQ(0, run.exit_code);
+    shown = run.out;
+    if (shown.find("building a.script  [#") != shown.npos) break;
+  }
+  EXPECT_NE(std::string::npos, shown.find("building a.script  [#")) << shown;
+  EXPECT_NE(std::string::npos, shown.find(" %  ")) << shown;
+  EXPECT_NE(std::string::npos, shown.find("a.db: built with 1 table, "));
+}
+
+#endif
 
 }  // namespace
 }  // namespace tabwerk::test
