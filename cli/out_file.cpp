@@ -46,24 +46,40 @@ OutFile::~OutFile() {
 std::optional<Problem> OutFile::Open() {
   if (IsStandardOutput()) return std::nullopt;
   std::error_code error;
-  fs::path const target = ToPath(path_);
-  if (fs::is_directory(target, error)) {
+  target_ = ToPath(path_);
+  auto const status = fs::status(target_, error);
+  if (fs::is_directory(status)) {
     return Problem{TW(111), path_, "this is a folder",
                    "name a file for the output"};
   }
-  if (fs::exists(target, error) && IsData(path_)) {
+  if (fs::is_regular_file(status) && IsData(path_)) {
     return Problem{TW(108), path_, "output does not replace a database",
                    "name another file behind -o"};
   }
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    stream_.open(target_, std::ios::binary);
+  } else {
+    OpenDraft();
+  }
+  if (!stream_) return NotWritten();
+  return std::nullopt;
+}
+
+void OutFile::OpenDraft() {
+  std::error_code error;
+  // A link stays one.
+  if (fs::is_symlink(target_, error)) {
+    fs::path const end = fs::canonical(target_, error);
+    if (!error) target_ = end;
+  }
   fs::path draft;
   for (int i = 0; i < kDraftNames; ++i) {
-    draft = ToPath(fmt::format("{}.part{}", path_, i));
+    draft = target_;
+    draft += fmt::format(".part{}", i);
     if (!fs::exists(draft, error)) break;
   }
   stream_.open(draft, std::ios::binary | std::ios::trunc);
-  if (!stream_) return NotWritten();
-  draft_ = draft;
-  return std::nullopt;
+  if (stream_) draft_ = draft;
 }
 
 void OutFile::Write(std::string_view text) {
@@ -75,14 +91,22 @@ bool OutFile::Failed() const {
   return IsStandardOutput() ? console::OutFailed() : stream_.fail();
 }
 
+bool OutFile::Flush() {
+  if (IsStandardOutput()) return console::FlushOut();
+  stream_.flush();
+  return !stream_.fail();
+}
+
 std::optional<Problem> OutFile::Close() {
   if (IsStandardOutput()) return std::nullopt;  // looked at when all is done
   stream_.close();
   if (stream_.fail()) return NotWritten();
-  std::error_code error;
-  fs::rename(draft_, ToPath(path_), error);
-  if (error) return NotWritten();
-  draft_.clear();
+  if (!draft_.empty()) {
+    std::error_code error;
+    fs::rename(draft_, target_, error);
+    if (error) return NotWritten();
+    draft_.clear();
+  }
   Tell("wrote " + path_);
   return std::nullopt;
 }

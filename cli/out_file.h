@@ -14,7 +14,8 @@ namespace tabwerk::tool {
 
 // Standard output, or a file that appears under its name when it is complete:
 // it is written beside and moved there.  Without that, the destructor removes
-// what was written.
+// what was written.  What is no regular file, such as a pipe or a device, is
+// written into.
 class OutFile {
  public:
   // path as behind -o; empty or "-" is standard output.
@@ -29,16 +30,20 @@ class OutFile {
   void Write(std::string_view text);
   // True when what is written from now on is lost.
   bool Failed() const;
+  // Hands all to the system; false when some of it was lost.
+  [[nodiscard]] bool Flush();
   std::optional<Problem> Close();
 
   bool IsTerminal() const;
   bool IsStandardOutput() const { return path_.empty(); }
 
  private:
+  void OpenDraft();
   Problem NotWritten() const;
 
   std::string path_;
-  std::filesystem::path draft_;
+  std::filesystem::path target_;  // what the path leads to
+  std::filesystem::path draft_;   // empty where the target is written into
   std::ofstream stream_;
 };
 

@@ -1,4 +1,5 @@
 // The formats of rows and findings, -o, and the line of progress.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -9,6 +10,12 @@
 #include "cli/text.h"
 #include "tests/cli/expected.h"
 #include "tests/cli/tool_test.h"
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 namespace tabwerk::test {
 namespace {
@@ -173,6 +180,36 @@ TEST_F(ToolOutput, ColorsOnlyWhenAsked) {
 }
 
 #ifndef _WIN32
+
+// It was replaced by a file of its name, and that of a device with it.
+TEST_F(ToolOutput, PipeAsFileIsWrittenInto) {
+  MakeStock();
+  std::string const path = folder_.PathUtf8("pipe");
+  ASSERT_EQ(0, mkfifo(path.c_str(), 0600));
+  int const pipe = open(path.c_str(), O_RDWR | O_NONBLOCK);
+  ASSERT_LE(0, pipe);
+  auto const run =
+      Run({"show", "stock.db", "-t", "ARTICLE", "--columns", "ID", "-o", path});
+  EXPECT_EQ(0, run.exit_code) << run.err;
+  char text[64];
+  ssize_t const size = read(pipe, text, sizeof text);
+  close(pipe);
+  EXPECT_EQ(
+      "ID\n1\n2\n",
+      std::string(text, static_cast<std::size_t>(std::max<ssize_t>(size, 0))));
+  EXPECT_TRUE(std::filesystem::is_fifo(path));
+}
+
+TEST_F(ToolOutput, LinkAsFileStaysALink) {
+  MakeStock();
+  folder_.Make("rows", "old");
+  std::filesystem::create_symlink("rows", folder_.folder() / "link");
+  auto const run = Run(
+      {"show", "stock.db", "-t", "ARTICLE", "--columns", "ID", "-o", "link"});
+  EXPECT_EQ(0, run.exit_code) << run.err;
+  EXPECT_TRUE(std::filesystem::is_symlink(folder_.folder() / "link"));
+  EXPECT_EQ("ID\n1\n2\n", folder_.Content("rows"));
+}
 
 TEST_F(ToolOutput, TerminalHasColorsUnlessNoColorIsSet) {
   MakeStock();
