@@ -283,7 +283,11 @@ std::optional<Problem> RowChoice::Order(std::string const& order) {
   };
   if (order == "folge") {
     if (auto problem = SelectColumn("FOLGE", nullptr)) return problem;
-    for (long place = 0; place <= table_.MaxFolge(); ++place) {
+    // Without a user file there are no indices.
+    if (table_.MaxFolge() == 0) table_.MakeIndexFolge();
+    // Places count from 1; 0 is none.
+    long const last = table_.MaxFolge();
+    for (long place = 1; place <= last; ++place) {
       take(table_.GetRowByFolge(place));
     }
   }

@@ -125,6 +125,30 @@ TEST_F(ToolShowRows, InDisplayOrderOfTheIndex) {
   EXPECT_EQ("20000 2 1 ", Ids({"--order", "folge"}));
 }
 
+// Nobody makes indices for it; the rows came as they are stored.
+TEST_F(ToolShowRows, InDisplayOrderWithoutAUserFile) {
+  MakeShelf();
+  EXPECT_EQ("ID\n1\n2\n3\n1\n4\n",
+            RunToLook({"show", "stock.db", "ARTICLE", "--order", "folge",
+                       "--columns", "ID"})
+                .out);
+}
+
+// The last one of them stood before all others.
+TEST_F(ToolShowRows, RowsWithoutAPlaceStandBehindInDisplayOrder) {
+  std::string const definition =
+      "integer ID,integer FOLGE,integer STATUS,string NAME\n";
+  MakeDatabase("stock.db",
+               {PlainHeader::kCurrent,
+                1000,
+                {{"ARTICLE",
+                  definition,
+                  {"5|0|1|Nut", "6|2|0|Bolt", "7|0|1|Pin", "8|1|0|Cap"}}}});
+  MakeDatabase("STOCK.UDB",
+               {PlainHeader::kCurrent, 2000, {{"ARTICLE", definition, {}}}});
+  EXPECT_EQ("8 6 5 7 ", Ids({"--order", "folge"}));
+}
+
 TEST_F(ToolShowRows, GivesEachLanguageAColumn) {
   MakeShelf();
   EXPECT_EQ(
