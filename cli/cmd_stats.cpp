@@ -31,6 +31,14 @@ class StatsCommand : public Command {
   }
 
   ExitCode Run() override {
+    if (auto const problem = WhyNotCounted(files_.main)) {
+      return Report(*problem);
+    }
+    if (!files_.user.empty()) {
+      if (auto const problem = WhyNotCounted(files_.user)) {
+        return Report(*problem);
+      }
+    }
     TableOut out(output_);
     if (auto const problem = out.Begin(Heads())) return Report(*problem);
     ExitCode code = Add(files_.main, "main", out);
@@ -54,16 +62,17 @@ class StatsCommand : public Command {
     return heads;
   }
 
+  static std::optional<Problem> WhyNotCounted(std::string const& path) {
+    DatabaseFile file;
+    if (auto problem = ReadDatabaseFile(path, &file)) return problem;
+    bool const has_list = !file.has_damaged_list && !file.tables.empty();
+    // An empty file has nothing to be counted.
+    if (has_list || file.size_bytes == 0) return std::nullopt;
+    return WhyNotOpened(path, Access::kRead);
+  }
+
   // A table that is damaged does not keep the others from being counted.
   ExitCode Add(std::string const& path, char const* part, TableOut& out) {
-    DatabaseFile file;
-    if (auto const problem = ReadDatabaseFile(path, &file)) {
-      return Report(*problem);
-    }
-    if (file.has_damaged_list || file.tables.empty()) {
-      return file.size_bytes == 0 ? ExitCode::kDone
-                                  : Report(WhyNotOpened(path, Access::kRead));
-    }
     Progress const progress("reading " + path);
     FileContent const content(path);
     ExitCode code = ExitCode::kDone;

@@ -81,6 +81,16 @@ TEST_F(ToolStats, TellsATextOverTheLimit) {
   EXPECT_EQ(1, row["ROW"]);
 }
 
+// A line of names stood before the error, in the file of -o as well.
+TEST_F(ToolStats, HandsOutNothingOfAFileThatCannotBeRead) {
+  MakeStock();
+  auto const run =
+      RunToLook({"stats", "stock.db", "none.UDB", "-o", "stats.tsv"});
+  EXPECT_EQ("", run.out);
+  EXPECT_EQ(0U, run.err.find("none.UDB: error[TW110]: ")) << run.err;
+  EXPECT_EQ(3, run.exit_code);
+}
+
 TEST_F(ToolStats, GoesOnBehindADamagedTable) {
   MakeMainFile();
   std::string bytes = folder_.Content("stock.db");
