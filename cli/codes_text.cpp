@@ -30,8 +30,10 @@ constexpr CodeEntry kCodes[] = {
      "The sections of the texts that are shown in that language are fewer than "
      "--fail-under asks for.",
      "tabwerk languages stock.db --cells --format csv -o todo.csv"},
-    {531, "number-of-languages", "The number of languages makes no sense",
-     ExitCode::kUsage, "Languages are numbered from 0 to 32767.",
+    {531, "number-of-languages", "The languages that are named make no sense",
+     ExitCode::kUsage,
+     "Languages are numbered from 0 to 32767, in the order of the pieces of a "
+     "section; each has one name of its own.",
      "tabwerk languages stock.db --languages en,de,fr"},
     {532, "no-such-language", "There is no such language", ExitCode::kUsage,
      "A language has a number, from 0, or one of the names that --languages "

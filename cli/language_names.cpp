@@ -26,6 +26,31 @@ std::optional<std::size_t> ParseNumber(std::string const& text) {
   return number;
 }
 
+// An empty name counts, as the others would be those of other pieces.
+std::vector<std::string> SplitNames(std::vector<std::string> const& words) {
+  std::vector<std::string> names;
+  for (std::string const& word : words) {
+    for (std::size_t begin = 0; begin <= word.size();) {
+      std::size_t const end = std::min(word.find(',', begin), word.size());
+      names.push_back(word.substr(begin, end - begin));
+      begin = end + 1;
+    }
+  }
+  return names;
+}
+
+std::optional<Problem> CheckNames(std::vector<std::string> const& names) {
+  for (auto name = names.begin(); name != names.end(); ++name) {
+    bool const is_second = std::find(names.begin(), name, *name) != name;
+    if (!name->empty() && !is_second) continue;
+    return Problem{TW(531), "",
+                   name->empty() ? "--languages: a name is empty"
+                                 : "--languages: " + *name + " is there twice",
+                   "name each once, in the order of the pieces, as en,de,fr"};
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 void AddLanguagesOption(Options& options, LanguageNames* languages) {
@@ -33,7 +58,7 @@ void AddLanguagesOption(Options& options, LanguageNames* languages) {
       .Add("--languages", languages->words_,
            "How many there are to be, or their names with commas; "
            "without, as many as any text has")
-      .List()
+      .OneWord()
       .Value("N|NAMES");
   options
       .Add("--language", languages->only_word_,
@@ -44,11 +69,12 @@ void AddLanguagesOption(Options& options, LanguageNames* languages) {
 
 std::optional<Problem> LanguageNames::Parse() {
   if (words_.empty()) return std::nullopt;
-  if (words_.size() > 1 || !IsNumber(words_.front())) {
-    names_ = words_;
-    count_ = names_.size();
-  } else {
+  if (words_.size() == 1 && IsNumber(words_.front())) {
     count_ = ParseNumber(words_.front()).value_or(0);
+  } else {
+    names_ = SplitNames(words_);
+    count_ = names_.size();
+    if (auto problem = CheckNames(names_)) return problem;
   }
   if (count_ >= 1 && count_ <= kMostLanguages) return std::nullopt;
   return Problem{TW(531), "",

@@ -136,6 +136,18 @@ TEST_F(ToolLanguages, RefusesNumbersThatMakeNoSense) {
   EXPECT_EQ(2, Run({"languages", "a.db", "--fail-under", "101"}).exit_code);
 }
 
+// "de,,fr" called the second language fr.
+TEST_F(ToolLanguages, RefusesNamesThatAreEmptyOrThereTwice) {
+  MakeMixed();
+  for (char const* const names : {"de,,fr", ",de", "de,", "de,fr,de", ""}) {
+    auto const run = RunToLook({"languages", "a.db", "--languages", names});
+    EXPECT_NE(std::string::npos, run.err.find("error[TW531]"))
+        << names << run.err;
+    EXPECT_EQ("", run.out);
+    EXPECT_EQ(2, run.exit_code);
+  }
+}
+
 TEST_F(ToolLanguages, GoesOnBehindADamagedTable) {
   MakeMixed();
   std::string bytes = folder_.ReadBytes("a.db");
