@@ -27,6 +27,7 @@ ExitCode RowCommand::Run() {
   auto const problem = ChangeAndSave(target.files());
   // The manager lets go of copies before they are removed.
   static_cast<void>(DBbase::Init({}, {}));
+  if (!saves_) target.DropBackup();
   if (problem) return Report(target.InUsersNames(*problem));
   Conclude(files_.user + ": " + table_ + " " + done_ + target.Ending());
   return ExitCode::kDone;
@@ -46,6 +47,7 @@ std::optional<Problem> RowCommand::ChangeAndSave(DatabaseFiles const& files) {
     done_ += ", as it was: nothing to save";
     return std::nullopt;
   }
+  saves_ = true;
   if (auto problem = SaveUserFile(files)) return problem;
   user_file.Keep();
   return std::nullopt;

@@ -38,6 +38,7 @@ class RowCommand : public Command {
 
   WriteOptions write_;
   std::string done_;
+  bool saves_ = false;  // or has tried to
 };
 
 }  // namespace tabwerk::tool

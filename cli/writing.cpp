@@ -97,6 +97,14 @@ std::optional<Problem> WriteTarget::PrepareCopies() {
   return CopyUserFiles(files_, folder_->path());
 }
 
+void WriteTarget::DropBackup() {
+  for (std::string const& copy : copies_) {
+    std::error_code ignored;  // a copy that stays does no harm
+    fs::remove(ToPath(copy), ignored);
+  }
+  copies_.clear();
+}
+
 Problem WriteTarget::InUsersNames(Problem problem) const {
   if (problem.where.file == working_.user) problem.where.file = files_.user;
   return problem;

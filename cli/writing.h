@@ -45,6 +45,8 @@ class WriteTarget {
   DatabaseFiles const& files() const { return working_; }
   // With the user's file in place of its copy.
   Problem InUsersNames(Problem problem) const;
+  // Takes the backup away, where nothing was changed.
+  void DropBackup();
   // For the closing line: what a dry run or a backup has to say.
   std::string Ending() const;
 

@@ -258,6 +258,17 @@ TEST_F(ToolRows, BackupKeepsOrderAndStatus) {
   EXPECT_TRUE(folder_.Exists("STOCK.UDB.bak"));
 }
 
+TEST_F(ToolRows, NoBackupStaysWhereNothingWasChanged) {
+  MakeStock();
+  EXPECT_EQ(0, Change("move", {"--id", "2", "--first"}).exit_code);
+  auto const names = folder_.Names();
+  EXPECT_EQ(2, Change("set", {"--id", "99", "NAME=x", "--backup"}).exit_code);
+  EXPECT_EQ(names, folder_.Names());
+  auto const run = Change("move", {"--id", "2", "--first", "--backup"});
+  EXPECT_NE(std::string::npos, run.out.find("nothing to save\n")) << run.out;
+  EXPECT_EQ(names, folder_.Names());
+}
+
 TEST_F(ToolRows, TextsOfAllScriptsGoInAndOut) {
   MakeStock();
   std::string const text = "Ärger ΔΗ Жук 零件 قطعة 😀";
