@@ -1,6 +1,7 @@
 // tabwerk export: the script and the table data that rebuild a database.
 #include <algorithm>
 #include <cctype>
+#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -10,6 +11,7 @@
 #include "cli/export_tables.h"
 #include "cli/files.h"
 #include "cli/index_state.h"
+#include "cli/out_file.h"
 #include "cli/session.h"
 #include "cli/settings.h"
 #include "cli/text.h"
@@ -47,6 +49,9 @@ class ExportCommand : public Command {
         .Required()
         .Value("DIR");
     options.AddFlag("--force", force_, "Replace files that are there");
+    options.AddFlag("--backup", write_.backup,
+                    "With --force: first copy the files that are there to "
+                    "NAME.bak (NAME.bak2 …)");
     options.AddFlag("--dry-run", write_.dry_run,
                     "Do all of it, say what would be written, "
                     "and write nothing");
@@ -106,7 +111,7 @@ class ExportCommand : public Command {
   }
 
   std::optional<Problem> WriteFiles(
-      std::vector<ExportedDatabase> const& databases) const {
+      std::vector<ExportedDatabase> const& databases) {
     std::vector<ExportedFile const*> files;
     for (ExportedDatabase const& database : databases) {
       for (ExportedFile const& file : database.files) files.push_back(&file);
@@ -119,17 +124,42 @@ class ExportCommand : public Command {
                      "name another folder behind -d, or add --force"};
     }
     if (write_.dry_run) return std::nullopt;
-    fs::create_directories(folder, error);
+    bool const is_new = fs::create_directories(folder, error);
     if (!fs::is_directory(folder, error)) {
       return Problem{TW(115), folder_, "the folder cannot be made",
                      "check the permissions of the folder above it"};
     }
+    auto problem = write_.backup ? BackUp(files) : std::nullopt;
+    if (!problem) problem = WriteAll(files);
+    // One with files in it stays.
+    if (problem && is_new) fs::remove(folder, error);
+    return problem;
+  }
+
+  std::optional<Problem> BackUp(std::vector<ExportedFile const*> const& files) {
+    std::vector<fs::path> paths;
+    paths.reserve(files.size());
     for (ExportedFile const* file : files) {
-      fs::path const path = folder / ToPath(file->name);
-      if (WriteWhole(path, file->content)) continue;
+      paths.push_back(ToPath(InFolder(file->name)));
+    }
+    return MakeBackup(paths, &copies_);
+  }
+
+  // None of them appears before all of them have room.
+  std::optional<Problem> WriteAll(
+      std::vector<ExportedFile const*> const& files) const {
+    std::vector<std::unique_ptr<OutFile>> outputs;
+    for (ExportedFile const* file : files) {
+      outputs.push_back(std::make_unique<OutFile>(InFolder(file->name)));
+      if (auto problem = outputs.back()->Open()) return problem;
+      outputs.back()->Write(file->content);
+      if (outputs.back()->Flush()) continue;
       return Problem{TW(117), InFolder(file->name),
                      "the file cannot be written",
                      "check its folder and the space on the disk"};
+    }
+    for (auto const& output : outputs) {
+      if (auto problem = output->Close()) return problem;
     }
     return std::nullopt;
   }
@@ -146,7 +176,7 @@ class ExportCommand : public Command {
   }
 
   void Summarise(std::vector<ExportedDatabase> const& databases) const {
-    std::string ending = WriteEnding(write_, {});
+    std::string ending = WriteEnding(write_, copies_);
     for (ExportedDatabase const& database : databases) {
       std::string const script = InFolder(database.files.front().name);
       Conclude(script + ": rebuilds " + database.database_file + " with " +
@@ -163,6 +193,7 @@ class ExportCommand : public Command {
   std::string folder_;
   bool force_ = false;
   WriteOptions write_;
+  std::vector<std::string> copies_;
 };
 
 }  // namespace

@@ -196,6 +196,31 @@ TEST_F(ToolExport, ReplacesFilesOnlyByForce) {
   EXPECT_EQ(script, folder_.Content("source/stock.script"));
 }
 
+TEST_F(ToolExport, BackupKeepsTheFilesThatAreReplaced) {
+  MakeStock();
+  EXPECT_EQ(0, Run({"export", "stock.db", "-d", "source"}).exit_code);
+  folder_.Make("source/stock.script", "# mine\n");
+  auto const run =
+      Run({"export", "stock.db", "-d", "source", "--force", "--backup"});
+  EXPECT_NE(std::string::npos,
+            run.out.find(" (backup: source/stock.script.bak, "))
+      << run.out;
+  EXPECT_EQ("# mine\n", folder_.Content("source/stock.script.bak"));
+}
+
+// The script was replaced when the data could not be.
+TEST_F(ToolExport, ReplacesAllFilesOrNone) {
+  MakeStock();
+  EXPECT_EQ(0, Run({"export", "stock.db", "-d", "source"}).exit_code);
+  folder_.Make("source/stock.script", "# mine\n");
+  std::filesystem::remove(folder_.folder() / "source/stock.article.dat");
+  folder_.MakeFolder("source/stock.article.dat");
+  auto const run = RunToLook({"export", "stock.db", "-d", "source", "--force"});
+  EXPECT_EQ(0U, run.err.find("source/stock.article.dat: error[TW111]: "))
+      << run.err;
+  EXPECT_EQ(3, run.exit_code);
+}
+
 TEST_F(ToolExport, RefusesAFolderThatCannotBeMade) {
   MakeStock();
   auto const run = RunToLook({"export", "stock.db", "-d", "STOCK.UDB"});
