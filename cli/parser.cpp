@@ -15,7 +15,10 @@ Parser::Parser()
       .AddVersion("--version", "tabwerk " TABWERK_VERSION,
                   "Say which version this is")
       .Group(kCommonGroup);
-  options_.AddHelp("-h,--help", "List the commands").Group(kCommonGroup);
+  options_
+      .AddHelp("-h,--help",
+               "List the commands; behind a command, say how it is used")
+      .Group(kCommonGroup);
   AddCommonOptions(options_);
   for (CommandEntry const* entry : AllCommands()) {
     Options options = options_.AddCommand(entry->name, entry->summary);

@@ -50,14 +50,48 @@ class ToolCommands : public ToolTest {
     }
   }
 
+  // The text between two others; empty without the first one.
+  static std::string Between(std::string const& text, std::string const& before,
+                             std::string const& behind) {
+    std::size_t const begin = text.find(before);
+    if (begin == text.npos) return "";
+    std::string const rest = text.substr(begin + before.size());
+    return rest.substr(0, rest.find(behind));
+  }
+
+  // Operands and options of a help, with what is said of each in one line.
+  static std::map<std::string, std::string> Entries(std::string const& help) {
+    std::map<std::string, std::string> entries;
+    std::string* text = nullptr;
+    std::istringstream lines(help.substr(help.find(":\n")));
+    bool is_last = false;
+    for (std::string line; std::getline(lines, line);) {
+      if (line.empty() && is_last) break;  // notes and examples
+      is_last = is_last || line == "Everywhere:";
+      std::smatch match;
+      static std::regex const entry(R"(  (\S.*?)(?:  +(.*))?)");
+      static std::regex const more(R"( {24}(.*))");
+      if (std::regex_match(line, match, more) && text != nullptr) {
+        *text += (text->empty() ? "" : " ") + match[1].str();
+      } else if (std::regex_match(line, match, entry)) {
+        text = &entries[match[1]];
+        *text = match[2];
+      }
+    }
+    for (auto& [names, said] : entries) {
+      said = std::regex_replace(said, std::regex(R"( \(needed\)$)"), "");
+      said = std::regex_replace(said, std::regex(" +"), " ");
+    }
+    return entries;
+  }
+
   // Words of the table that the text lacks.
-  std::string Missing(std::string const& text, bool fish = false) const {
+  std::string Missing(std::string const& text) const {
     std::string missing;
     for (auto const& [command, options] : options_) {
       if (text.find(command) == text.npos) missing += command + " ";
       for (std::string const& option : options) {
-        std::string const word = fish ? " -l " + option.substr(2) : option;
-        if (text.find(word) == text.npos) missing += command + option + " ";
+        if (text.find(option) == text.npos) missing += command + option + " ";
       }
     }
     return missing;
@@ -95,11 +129,66 @@ TEST_F(ToolCommands, ManualPageListsEach) {
   EXPECT_EQ(0U, page.find(".TH TABWERK 1"));
 }
 
+// Each option with what is said of it, as help says it.
+TEST_F(ToolCommands, ManualPageSaysWhatHelpSays) {
+  std::string page = Run({"help", "--man"}).out;
+  page = std::regex_replace(page, std::regex("\\\\(-|&)"), "$1");
+  page = std::regex_replace(page, std::regex("\\\\e"), "\\");
+  page = std::regex_replace(page, std::regex(" +"), " ");
+  int count = 0;
+  for (auto const& [command, help] : helps_) {
+    std::string const section =
+        Between(page, "\n.SS " + command + "\n", "\n.S");
+    for (auto const& [names, text] : Entries(help)) {
+      if (names == "-h, --help") continue;  // of the whole tool as well
+      std::string const tagged = ".B " + names + "\n" + text + "\n";
+      bool const is_common = section.find(tagged) == section.npos;
+      EXPECT_NE(std::string::npos,
+                (is_common ? page.substr(page.find("OPTIONS OF ALL")) : section)
+                    .find(tagged))
+          << command << ": " << tagged;
+      ++count;
+    }
+  }
+  EXPECT_LE(100, count);
+}
+
+// Each command has its own options, and no others.
 TEST_F(ToolCommands, CompletionsListEach) {
-  for (char const* const shell : {"bash", "zsh", "fish", "powershell"}) {
-    auto const run = Run({"completion", shell});
-    EXPECT_EQ(0, run.exit_code);
-    EXPECT_EQ("", Missing(run.out, std::string(shell) == "fish")) << shell;
+  struct Shell {
+    char const* name;
+    // What stands before and behind the options of a command.
+    std::string before;
+    std::string behind;
+    char const* option;
+  };
+  for (Shell const& shell :
+       {Shell{"bash", "\n    COMMAND)\n", "\n      ;;", "[ \"](--[a-z-]+)"},
+        {"zsh", "\n    COMMAND)\n", "\n      ;;", "'(--[a-z-]+)\\["},
+        {"fish", "_from COMMAND' ", "-a COMMAND -d", " -l ([a-z-]+)"},
+        {"powershell", "\n    'COMMAND' = ", "\n", "'(--[a-z-]+)'"}}) {
+    std::string const script = Run({"completion", shell.name}).out;
+    for (auto const& [command, help] : helps_) {
+      auto const named = [&, name = command](std::string const& text) {
+        return std::regex_replace(text, std::regex("COMMAND"), name);
+      };
+      std::string lines = Between(script, named(shell.before), shell.behind);
+      if (shell.name == std::string("fish")) {
+        lines.clear();
+        std::istringstream stream(script);
+        for (std::string line; std::getline(stream, line);) {
+          if (line.find(named(shell.before)) != line.npos) lines += line + "\n";
+        }
+      }
+      Words wanted;
+      for (auto const& [names, text] : Entries(help)) {
+        for (std::string word : Matches(names, "(--[a-z-]+)")) {
+          wanted.insert(shell.name == std::string("fish") ? word.substr(2)
+                                                          : word);
+        }
+      }
+      EXPECT_EQ(wanted, Matches(lines, shell.option)) << shell.name << command;
+    }
   }
   EXPECT_EQ(2, Run({"completion", "tcsh"}).exit_code);
 }
