@@ -292,27 +292,6 @@ TEST_F(ToolDump, NeedsAUserFileForTheUsersRows) {
   EXPECT_EQ(2, run.exit_code);
 }
 
-// Without an index file, and with one that is older than the files: opening
-// the database would make it anew.
-TEST_F(ToolLooking, ChangesNoFile) {
-  MakeStock();
-  for (bool const with_index : {false, true}) {
-    if (with_index) {
-      auto const index = EncodeIndex(
-          {{1, 2}, {{{}, {-1}, {}}, {{{1, 0}, {2, 1}}, {-1, 0, 1}, {0, 0}}}});
-      folder_.Make("STOCK.idx", std::string(index.begin(), index.end()));
-    }
-    std::string const before = Snapshot();
-    EXPECT_EQ(
-        0, Run({"show", "stock.db", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
-    EXPECT_EQ(
-        0, Run({"dump", "stock.db", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
-    EXPECT_EQ(0, Run({"info", "stock.db", "STOCK.UDB"}).exit_code);
-    EXPECT_EQ(0, Run({"show", "STOCK.UDB", "-t", "ARTICLE"}).exit_code);
-    EXPECT_EQ(before, Snapshot()) << "index: " << with_index;
-  }
-}
-
 TEST_F(ToolLooking, TakesReadOnlyFiles) {
   MakeStock();
   folder_.SetReadOnly("stock.db", true);
