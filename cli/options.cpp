@@ -1,9 +1,13 @@
 #include "cli/options.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace tabwerk::tool {
@@ -49,6 +53,47 @@ OptionText TextOf(CLI::Option const& option) {
   return text;
 }
 
+// What is wrong with a text that is to be a whole number; the text becomes the
+// plain number, as the library would take "010" for 8.
+template <typename Number>
+std::string TakeWholeNumber(std::string& text) {
+  std::string_view digits = text;
+  if (digits.starts_with('+')) digits.remove_prefix(1);
+  Number number = 0;
+  char const* const end = digits.data() + digits.size();
+  auto const [stop, error] = std::from_chars(digits.data(), end, number);
+  if (stop != end || error == std::errc::invalid_argument) {
+    return "\"" + text + "\" is no whole number";
+  }
+  if (error == std::errc::result_out_of_range) {
+    return text + (text.starts_with('-') ? " is too small" : " is too large");
+  }
+  text = std::to_string(number);
+  return "";
+}
+
+template <typename Number>
+void TakeWholeNumbers(CLI::Option& option) {
+  option.transform(CLI::Validator(&TakeWholeNumber<Number>, ""));
+}
+
+std::string NotBetween(std::string const& text, double least, double most) {
+  double number = 0;
+  char const* const end = text.data() + text.size();
+  auto const [stop, error] = std::from_chars(text.data(), end, number);
+  bool const fits =
+      stop == end && error == std::errc() && number >= least && number <= most;
+  if (fits) return "";
+  return fmt::format("\"{}\" is no number from {} to {}", text, least, most);
+}
+
+// The library counts the values: "--id: 1 required ID missing".
+std::string WrongCount(std::string const& what) {
+  std::string const option = what.substr(0, what.find(':'));
+  bool const is_missing = what.ends_with(" missing");
+  return option + (is_missing ? " needs a value" : " is given twice");
+}
+
 }  // namespace
 
 Option& Option::Value(std::string const& name) {
@@ -87,12 +132,16 @@ Option& Option::OneOf(std::vector<std::string> const& choices) {
 }
 
 Option& Option::NotNegative() {
-  option_->check(CLI::NonNegativeNumber);
+  option_->check([](std::string const& text) {
+    return text.starts_with('-') ? text + " is less than 0" : std::string();
+  });
   return *this;
 }
 
 Option& Option::Between(double least, double most) {
-  option_->check(CLI::Range(least, most));
+  option_->check([least, most](std::string const& text) {
+    return NotBetween(text, least, most);
+  });
   return *this;
 }
 
@@ -118,17 +167,25 @@ Option Options::Bind(char const* names, T& value, std::string const& help) {
   return Option(app_->add_option(names, value, help));
 }
 
+template <typename Number, typename T>
+Option Options::BindWhole(char const* names, T& value,
+                          std::string const& help) {
+  CLI::Option* const option = app_->add_option(names, value, help);
+  TakeWholeNumbers<Number>(*option);
+  return Option(option);
+}
+
 Option Options::Add(char const* names, std::string& value,
                     std::string const& help) {
   return Bind(names, value, help);
 }
 Option Options::Add(char const* names, std::int32_t& value,
                     std::string const& help) {
-  return Bind(names, value, help);
+  return BindWhole<std::int32_t>(names, value, help);
 }
 Option Options::Add(char const* names, long long& value,
                     std::string const& help) {
-  return Bind(names, value, help);
+  return BindWhole<long long>(names, value, help);
 }
 Option Options::Add(char const* names, std::optional<std::string>& value,
                     std::string const& help) {
@@ -136,11 +193,11 @@ Option Options::Add(char const* names, std::optional<std::string>& value,
 }
 Option Options::Add(char const* names, std::optional<std::int32_t>& value,
                     std::string const& help) {
-  return Bind(names, value, help);
+  return BindWhole<std::int32_t>(names, value, help);
 }
 Option Options::Add(char const* names, std::optional<long long>& value,
                     std::string const& help) {
-  return Bind(names, value, help);
+  return BindWhole<long long>(names, value, help);
 }
 Option Options::Add(char const* names, std::optional<double>& value,
                     std::string const& help) {
@@ -152,7 +209,7 @@ Option Options::Add(char const* names, std::vector<std::string>& values,
 }
 Option Options::Add(char const* names, std::vector<std::int32_t>& values,
                     std::string const& help) {
-  return Bind(names, values, help);
+  return BindWhole<std::int32_t>(names, values, help);
 }
 
 Option Options::AddFlag(char const* names, bool& value,
@@ -201,6 +258,16 @@ Parsed Options::Parse(std::vector<std::string> arguments) {
     return {Parsed::Outcome::kVersion, answer.what()};
   } catch (CLI::Success const&) {
     return {Parsed::Outcome::kHelp, ""};
+  } catch (CLI::ExtrasError const&) {
+    return {
+        Parsed::Outcome::kWrong,
+        fmt::format("not expected: {}", fmt::join(app_->remaining(true), " "))};
+  } catch (CLI::RequiredError const& error) {
+    bool const has_command = !app_->get_subcommands().empty();
+    return {Parsed::Outcome::kWrong,
+            has_command ? error.what() : "no command is named"};
+  } catch (CLI::ArgumentMismatch const& error) {
+    return {Parsed::Outcome::kWrong, WrongCount(error.what())};
   } catch (CLI::ParseError const& error) {
     return {Parsed::Outcome::kWrong, error.what()};
   }

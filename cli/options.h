@@ -123,6 +123,8 @@ class Options {
   explicit Options(std::shared_ptr<CLI::App> app);
   template <typename T>
   Option Bind(char const* names, T& value, std::string const& help);
+  template <typename Number, typename T>
+  Option BindWhole(char const* names, T& value, std::string const& help);
 
   std::shared_ptr<CLI::App> app_;
 };

@@ -56,6 +56,44 @@ TEST_F(ToolUsage, RefusesUnknownOptionsAndValues) {
   EXPECT_EQ(2, Run({"nothing"}).exit_code);
 }
 
+// "010" was 8, and so another row was changed than the one that was named.
+TEST_F(ToolUsage, WholeNumbersAreDecimal) {
+  MakeStock();
+  auto const ids = [this](std::string const& id) {
+    return Run({"show", "stock.db", "ARTICLE", "--columns", "ID", "--id", id})
+        .out;
+  };
+  EXPECT_EQ("ID\n2\n", ids("02"));
+  EXPECT_EQ("ID\n2\n", ids("+2"));
+  EXPECT_EQ(2, Run({"show", "stock.db", "ARTICLE", "--id", "0x1"}).exit_code);
+  MakeDatabase(
+      "many.db",
+      {PlainHeader::kCurrent, 1000, {{"T", "integer ID\n", {"8", "10"}}}});
+  EXPECT_EQ("ID\n10\n", Run({"show", "many.db", "T", "--id", "010"}).out);
+}
+
+TEST_F(ToolUsage, SaysWhatIsWrongWithAValue) {
+  auto const wrong = [this](std::vector<std::string> words) {
+    words.insert(words.begin(), {"show", "a.db", "T"});
+    auto const run = Run(words);
+    EXPECT_EQ(2, run.exit_code);
+    constexpr std::string_view kBegin = "tabwerk: error[TW101]: ";
+    EXPECT_EQ(0U, run.err.find(kBegin)) << run.err;
+    return run.err.substr(kBegin.size(), run.err.find(';') - kBegin.size());
+  };
+  EXPECT_EQ("--limit: \"1.5\" is no whole number", wrong({"--limit", "1.5"}));
+  EXPECT_EQ("--limit: \"\" is no whole number", wrong({"--limit", ""}));
+  EXPECT_EQ("--limit: 99999999999999999999 is too large",
+            wrong({"--limit", "99999999999999999999"}));
+  EXPECT_EQ("--limit: -1 is less than 0", wrong({"--limit", "-1"}));
+  EXPECT_EQ("--id: \"x\" is no whole number", wrong({"--id", "1,x"}));
+  EXPECT_EQ("--id: -3000000000 is too small", wrong({"--id", "-3000000000"}));
+  EXPECT_EQ("--limit needs a value", wrong({"--limit"}));
+  EXPECT_EQ("--limit is given twice", wrong({"--limit", "1", "--limit", "2"}));
+  EXPECT_EQ("not expected: C D", wrong({"B", "C", "D"}));
+  EXPECT_EQ("not expected: --colour", wrong({"--colour"}));
+}
+
 TEST_F(ToolUsage, TellsItsVersion) {
   auto const run = Run({"--version"});
   EXPECT_EQ(0U, run.out.find("tabwerk ")) << run.out;
