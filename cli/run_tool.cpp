@@ -88,15 +88,26 @@ bool LooksLikeFile(std::string const& word) {
          std::filesystem::exists(ToPath(word), error);
 }
 
+// The first word that is no option of all commands.
+std::vector<std::string>::iterator FirstWord(
+    std::vector<std::string>& arguments) {
+  auto word = arguments.begin();
+  while (word != arguments.end() && word->starts_with('-')) {
+    bool const has_value = *word == "--color" && word + 1 != arguments.end();
+    word += has_value ? 2 : 1;
+  }
+  return word;
+}
+
 ExitCode Dispatch(std::vector<std::string> arguments) {
   if (arguments.empty()) {
     console::Out(ShortHelp());
     return ExitCode::kDone;
   }
-  std::string const& first = arguments.front();
-  if (!first.starts_with('-') && FindCommand(first) == nullptr) {
-    if (!LooksLikeFile(first)) return Report(UnknownCommand(first));
-    arguments.insert(arguments.begin(), "info");
+  auto const first = FirstWord(arguments);
+  if (first != arguments.end() && FindCommand(*first) == nullptr) {
+    if (!LooksLikeFile(*first)) return Report(UnknownCommand(*first));
+    arguments.insert(first, "info");
   }
   Parser parser;
   Parsed const parsed = parser.options().Parse(std::move(arguments));

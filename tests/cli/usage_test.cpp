@@ -94,6 +94,17 @@ TEST_F(ToolUsage, SaysWhatIsWrongWithAValue) {
   EXPECT_EQ("not expected: --colour", wrong({"--colour"}));
 }
 
+// These wanted a command.
+TEST_F(ToolUsage, TakesOptionsBeforeAFile) {
+  MakeStock();
+  EXPECT_EQ(Run({"stock.db"}).out, Run({"-q", "stock.db"}).out);
+  EXPECT_EQ(Run({"stock.db"}).out, Run({"--color", "never", "stock.db"}).out);
+  EXPECT_EQ(
+      "tabwerk: error[TW101]: no command is named; see \"tabwerk --help\"\n",
+      Run({"-q"}).err);
+  EXPECT_EQ(0U, Run({"-q", "shwo"}).err.find("tabwerk: error[TW102]: "));
+}
+
 TEST_F(ToolUsage, TellsItsVersion) {
   auto const run = Run({"--version"});
   EXPECT_EQ(0U, run.out.find("tabwerk ")) << run.out;
