@@ -51,6 +51,7 @@ class JsonRows : public nlohmann::json_sax<nlohmann::json> {
     return {at_, &at_};
   }
   CountingIterator To(std::size_t offset) {
+    end_ = offset;
     return {text_.data() + offset, &at_};
   }
   std::optional<NamedObjection> const& Failure() const { return failure_; }
@@ -105,6 +106,7 @@ class JsonRows : public nlohmann::json_sax<nlohmann::json> {
   PlaceFinder places_;
   NamedRows& rows_;
   char const* at_ = nullptr;
+  std::size_t end_ = 0;  // of the part that is read
   std::map<std::string, std::size_t> columns_;
   std::size_t column_ = 0;
   std::size_t row_start_ = 0;
@@ -144,8 +146,9 @@ bool JsonRows::start_array(std::size_t) {
 
 bool JsonRows::key(string_t& name) {
   if (!InRow()) return true;
+  // Not in the next line, where the value is missing.
   std::size_t const value = text_.find_first_not_of(" \t\r\n:", Offset());
-  place_ = places_.At(value);
+  place_ = places_.At(std::min(value, end_));
   auto const [it, is_new] = columns_.emplace(name, rows_.columns.size());
   if (is_new) rows_.columns.push_back({name, place_});
   column_ = it->second;

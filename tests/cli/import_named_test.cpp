@@ -129,6 +129,12 @@ TEST_F(ToolImportNamed, TellsThePlaceOfBadJsonValues) {
   EXPECT_TRUE(rejected.ends_with("\n]\n"));
 }
 
+// The line behind it was named.
+TEST_F(ToolImportNamed, TellsTheLineOfAMissingJsonValue) {
+  auto const run = Import("a.ndjson", "{\"NAME\": \"x\"}\n{\"NAME\":\n{}\n");
+  EXPECT_EQ(0U, run.err.find("a.ndjson:2:9: error[TW633]: ")) << run.err;
+}
+
 TEST_F(ToolImportNamed, RefusesInputThatDoesNotFitAsAWhole) {
   std::string const before = Rows("STOCK.UDB", "ARTICLE");
   std::string answers;
