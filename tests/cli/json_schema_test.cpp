@@ -1,4 +1,5 @@
 #include <sstream>
+#include <utility>
 
 #include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"
@@ -23,6 +24,29 @@ TEST_F(ToolJson, IsAsItsSchemaSays) {
   }
   EXPECT_EQ("", AgainstSchema("schema",
                               Run({"schema", "geo.db", "--as", "json"}).out));
+}
+
+TEST_F(ToolJson, OfFindStatsAndCheckIsAsItsSchemaSays) {
+  MakeStock();
+  MakeDatabase("twice.db", {PlainHeader::kCurrent,
+                            1000,
+                            {{"A",
+                              "integer ID,string NAME\n",
+                              {"1|#TS(Bolt¬Bolzen)TS~", "1|#TS(Nut"}},
+                             {"B", "integer ID\n", {}}}});
+  for (auto const& [schema, words] :
+       {std::pair<char const*, std::vector<std::string>>{
+            "find", {"find", "t", "twice.db"}},
+        {"find", {"find", "a", "stock.db", "STOCK.UDB"}},
+        {"stats", {"stats", "twice.db"}},
+        {"stats", {"stats", "stock.db", "STOCK.UDB"}},
+        {"check", {"check", "twice.db"}}}) {
+    std::vector<std::string> arguments = words;
+    arguments.insert(arguments.end(), {"--format", "json"});
+    auto const run = RunToLook(arguments);
+    EXPECT_EQ("", AgainstSchema(schema, run.out)) << run.err;
+    EXPECT_LE(1U, Json::Parse(run.out).Size()) << run.out;
+  }
 }
 
 // Every line as docs/schema/problem.json says; "severity code file|…".
