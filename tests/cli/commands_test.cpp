@@ -111,6 +111,26 @@ TEST_F(ToolCommands, EachHasAFileAndHelp) {
   }
 }
 
+// What they speak of may not be there, but it can be copied.
+TEST_F(ToolCommands, ExamplesAreUnderstood) {
+  MakeExample();
+  std::size_t count = 0;
+  for (auto const& [command, help] : helps_) {
+    std::string const examples = help.substr(help.find("\nExamples:\n"));
+    for (std::string const& line : Matches(examples, "\n  tabwerk (.*)")) {
+      std::vector<std::string> words;
+      std::regex const word("\"([^\"]*)\"|([^ ]+)");
+      for (std::sregex_iterator it(line.begin(), line.end(), word), end;
+           it != end; ++it) {
+        words.push_back((*it)[1].matched ? (*it)[1] : (*it)[2]);
+      }
+      EXPECT_EQ(std::string::npos, Run(words).err.find("error[TW10")) << line;
+      ++count;
+    }
+  }
+  EXPECT_LE(helps_.size(), count);
+}
+
 TEST_F(ToolCommands, WholeHelpListsEach) {
   std::string const help = Run({"help"}).out;
   EXPECT_EQ(help, Run({"--help"}).out);
