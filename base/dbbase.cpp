@@ -11,8 +11,10 @@
 #include "base/manager_access.h"
 #include "base/translation.h"
 #include "platform/guarded.h"
+#include "schema/directory_access.h"
 
 using tabwerk::Catalogue;
+using tabwerk::DirectoryAccess;
 using tabwerk::Guarded;
 using tabwerk::ManagerAccess;
 
@@ -82,18 +84,9 @@ bool DBbase::SelectDB(zWString const& name) { return FindFile(name); }
 
 bool DBbase::FindFile(zWString const& name) {
   return Guarded(false, [&] {
-    // Only the key is cut and upper-cased, not the stored names: a database
-    // that was configured as "Stock" or "A.B" is never found.
-    auto const stem = name.view().substr(0, name.view().find(u'.'));
-    auto const key = zWString(stem).ToUpper();
-    for (auto* directory = ManagerAccess::First(*this); directory != nullptr;
-         directory = directory->Getnextdbdir()) {
-      if (directory->GetName() == key) {
-        current_ = directory;
-        return true;
-      }
-    }
-    return false;
+    auto* const found = ManagerAccess::Find(*this, name);
+    if (found != nullptr) current_ = found;
+    return found != nullptr;
   });
 }
 
@@ -169,6 +162,18 @@ void ManagerAccess::AddDatabases(
     directory->Setnextdbdir(first);
     target.first_ = directory;
   }
+}
+
+DBDirectory* ManagerAccess::Find(DBbase const& manager, zWString const& name) {
+  // Only the key is cut and upper-cased, not the stored names: a database that
+  // was configured as "Stock" or "A.B" is never found.
+  auto const stem = name.view().substr(0, name.view().find(u'.'));
+  auto const key = zWString(stem).ToUpper();
+  auto* directory = First(manager);
+  while (directory != nullptr && DirectoryAccess::Name(*directory) != key) {
+    directory = directory->Getnextdbdir();
+  }
+  return directory;
 }
 
 DBDirectory* ManagerAccess::Current(DBbase const& manager) {

@@ -182,9 +182,9 @@ bool FilesAreAsRead(DBDirectory const& directory) {
   for (std::size_t i = 0; i < stamps.size(); ++i) {
     if (directory.GetFile(i) != nullptr) continue;
     auto error = platform::Error::kNone;
-    auto* const stream =
-        platform::OpenFile(directory.GetFileiName(i), platform::Mode::kRead,
-                           platform::Share::kDenyNone, &error);
+    auto* const stream = platform::OpenFile(
+        DirectoryAccess::Files(directory)[i].name, platform::Mode::kRead,
+        platform::Share::kDenyNone, &error);
     if (stream == nullptr) return false;
     short version = 0;
     long long stamp = 0;

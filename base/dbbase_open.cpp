@@ -33,8 +33,8 @@ bool HasUserExtension(zWString const& path) {
 bool OpenAllFiles(DBDirectory& directory, bool for_write, bool create,
                   bool* made) {
   for (std::size_t i = 0; i < directory.GetNumberFiles(); ++i) {
-    bool const write =
-        for_write && (create || HasUserExtension(directory.GetFileiName(i)));
+    auto const& name = DirectoryAccess::Files(directory)[i].name;
+    bool const write = for_write && (create || HasUserExtension(name));
     bool const opened =
         made != nullptr
             ? DirectoryAccess::OpenForReplacement(directory, i, made)
@@ -61,7 +61,12 @@ int DBbase::Open(zWString const& name, bool forWrite, bool create) {
     if (ManagerAccess::First(*this) == nullptr) {
       first_ = current_ = catalogue_->Add();
     }
-    if (FindFile(name) && current_->FileIsOpen(forWrite, create)) return 1;
+    // Not by FindFile, to which a name without memory is one that is not there.
+    auto* const found = ManagerAccess::Find(*this, name);
+    if (found != nullptr) {
+      current_ = found;
+      if (found->FileIsOpen(forWrite, create)) return 1;
+    }
     // A name that the catalogue lacks opens the current database.
     auto* directory = ManagerAccess::Current(*this);
     if (directory == nullptr) return 0;

@@ -6,7 +6,9 @@
 #include "base/manager_access.h"
 #include "base/save.h"
 #include "platform/guarded.h"
+#include "schema/directory_access.h"
 
+using tabwerk::DirectoryAccess;
 using tabwerk::Guarded;
 using tabwerk::ManagerAccess;
 using tabwerk::Save;
@@ -28,7 +30,9 @@ std::optional<Target> NamedTarget(DBDirectory const& directory,
   auto const file = to_user_file ? directory.GetUserFile() : 0;
   if (file < 0) return std::nullopt;
   auto const index = static_cast<std::size_t>(file);
-  return Target{index, directory.GetFileiName(index)};
+  auto const& files = DirectoryAccess::Files(directory);
+  if (index >= files.size()) return std::nullopt;
+  return Target{index, files[index].name};
 }
 
 }  // namespace
@@ -41,9 +45,9 @@ bool DBbase::Write(zWString const& name, bool toUserFile,
     if (!name.isEmpty()) {
       if (!FindFile(name)) return false;
       target = NamedTarget(*current_, toUserFile, targetPath);
-    } else if (!current_->GetName().isEmpty()) {
+    } else if (!DirectoryAccess::Name(*current_).isEmpty()) {
       // Kept: without a name, the first file is written to its own path.
-      target = Target{0, current_->GetFileiName(0)};
+      target = NamedTarget(*current_, false, zWString());
     }
     if (!target || target->file >= current_->GetNumberFiles()) return false;
     if (!current_->FileIsOpen(false, false)) return false;

@@ -48,6 +48,9 @@ struct ManagerAccess {
   static void AddDatabases(std::vector<zWString> const& names,
                            std::vector<std::vector<zWString>> const& files,
                            DBbase& target);  // throws std::bad_alloc
+  // The database of that name, as DBbase::SelectDB looks for it; null without.
+  // Throws std::bad_alloc.
+  static DBDirectory* Find(DBbase const& manager, zWString const& name);
   static DBDirectory* Current(DBbase const& manager);
   static DBDirectory* First(DBbase const& manager);
   // OpenDatabaseFile with a choice of what to do with files made anew: null

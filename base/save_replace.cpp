@@ -31,7 +31,8 @@ std::int64_t Save::LastTimeStamp() const {
   auto* stream = directory_.GetFile(file_);
   auto error = platform::Error::kNone;
   FILE* opened = nullptr;
-  if (stream == nullptr || directory_.GetFileiName(file_) != target_) {
+  if (stream == nullptr ||
+      DirectoryAccess::Files(directory_)[file_].name != target_) {
     stream = opened = platform::OpenFile(target_, platform::Mode::kRead,
                                          platform::Share::kDenyNone, &error);
   }

@@ -5,6 +5,7 @@
 #include "base/manager_access.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
+#include "tests/support/new_guard.h"
 
 namespace tabwerk::test {
 namespace {
@@ -63,6 +64,36 @@ TEST_F(ManagerOpen, UnknownNameReadsTheCurrentDatabaseAgain) {
   AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
   EXPECT_EQ(1, Manager()->Open(W("NONE"), true, false));
   EXPECT_EQ(kAll, Rows("ARTIKEL"));
+}
+
+TEST_F(ManagerOpen, WithoutMemoryForAPathOpensNoUserFileToReadOnly) {
+  auto const stock = W("STOCK");
+  bool fired = true;
+  for (int n = 1; fired; ++n) {
+    Configure("STOCK", {"MAIN.db", "USER.UDB"});
+    NewGuard guard(n, NewGuard::Lasting::kOnce);
+    int const opened = Manager()->Open(stock, true, false);
+    fired = guard.Disarm();
+    EXPECT_TRUE(opened == 0 || IsOpen(true)) << n;
+  }
+  EXPECT_EQ(kAll, Rows("ARTIKEL"));
+}
+
+TEST_F(ManagerOpen, WithoutMemoryForTheNameOpensNoOtherDatabase) {
+  auto const name = W("ANOTHER DATABASE OF A LONG NAME");
+  bool fired = true;
+  for (int n = 1; fired; ++n) {
+    DBbase::Init({name, W("STOCK")}, {{W(Path("MAIN.db"))}, {}});
+    ASSERT_TRUE(Manager()->SelectDB(W("STOCK")));
+    NewGuard guard(n, NewGuard::Lasting::kOnce);
+    int const opened = Manager()->Open(name, false, false);
+    fired = guard.Disarm();
+    if (opened == 1) {
+      EXPECT_EQ(name.toUtf8(), Manager()->GetDirectory()->GetName().toUtf8())
+          << n;
+    }
+  }
+  EXPECT_EQ("[1|1|0|Anna][2|2|0|Bert]", Rows("ARTIKEL"));
 }
 
 TEST_F(ManagerOpen, EmptyCatalogueGetsANamelessDirectory) {
