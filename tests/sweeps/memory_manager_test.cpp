@@ -148,9 +148,9 @@ std::vector<Operation> Opening() {
   return {
       In<Closed>(Promise::kPart, {"DBbase::OpenDatei("},
                  [](Closed& m) {
-                   // A database that does not open leaves the catalogue.
-                   return M::Get()->OpenDatei(m.path, true, false) == 1 ||
-                          M::Get()->FilesCount() == 1;
+                   // A database that does not open leaves the catalogue: the
+                   // next time the other one is opened.
+                   return M::Get()->OpenDatei(m.path, true, false) == 1;
                  }),
       In<M>(Promise::kFails, {"DBbase::Close(zWString const&)"},
             [](M& m) { return M::Get()->Close(m.names[0]) == 1; }),

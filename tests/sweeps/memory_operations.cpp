@@ -139,6 +139,9 @@ class OperationSweep {
             << state;
         return;
       case Promise::kPart:
+        if (ending.done) {
+          EXPECT_EQ(after_, state);
+        }
         EXPECT_TRUE(trial->Run());
         return;
     }
