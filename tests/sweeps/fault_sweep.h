@@ -37,6 +37,9 @@ struct Outcome {
   }
 };
 
+// Descriptors or handles of this process.
+long OpenHandles();
+
 // One operation and its judge.
 struct Scenario {
   // Brings files and manager to where the operation begins.

@@ -120,6 +120,19 @@ class OpenSweep : public FaultSweepTest {
 
 INSTANTIATE_FAULT_SWEEP(OpenSweep);
 
+TEST(SweepFaultsHandles, AFileThatStaysOpenIsCounted) {
+  TempFolder const folder;
+  auto const before = OpenHandles();
+  auto error = platform::Error::kNone;
+  FILE* const stream =
+      platform::OpenFile(folder.Path("open"), platform::Mode::kCreate,
+                         platform::Share::kDenyNone, &error);
+  ASSERT_NE(nullptr, stream);
+  EXPECT_EQ(before + 1, OpenHandles());
+  EXPECT_TRUE(platform::Close(stream));
+  EXPECT_EQ(before, OpenHandles());
+}
+
 TEST_P(OpenSweep, WithAValidIndex) {
   SweepOpen(old_, kOldTables, kTablesOfTheFiles);
 }
