@@ -190,8 +190,8 @@ TEST_F(SweepIndexSections, OfRandomTablesChangeTheirOwnColumnOnly) {
       for (int i = 0; i < 60; ++i) {
         bytes += Le32(static_cast<std::int32_t>(random() % 30) - 2);
       }
-      // A table of this one's fields may have a column twice.
       auto const rows = made->table.GetAnzahlZeilen();
+      auto const values = ValuesBut(made->table, section.column);
       folder_.WriteBytes("i", bytes);
       auto error = platform::Error::kNone;
       FILE* const stream =
@@ -200,6 +200,7 @@ TEST_F(SweepIndexSections, OfRandomTablesChangeTheirOwnColumnOnly) {
       (made->table.*section.read)(stream);
       EXPECT_TRUE(platform::Close(stream));
       EXPECT_EQ(rows, made->table.GetAnzahlZeilen());
+      EXPECT_EQ(values, ValuesBut(made->table, section.column));
       UseIndices(made->table);
     });
   }
