@@ -42,7 +42,7 @@ TEST_P(SweepKillCall, LeavesTheOldOrTheNewState) {
   PutImage(start_);
   EXPECT_EQ(0, ExitCodeOfChild(calls_ + 1));
   EXPECT_EQ(new_state_, Observe());
-  Report(std::string("kill before seam call, ") + NameOf(GetParam()), points);
+  Report("kill before seam call", GetParam(), points);
 }
 
 INSTANTIATE_TEST_SUITE_P(, SweepKillCall, testing::ValuesIn(kWritings),

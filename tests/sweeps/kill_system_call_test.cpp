@@ -45,8 +45,7 @@ TEST_P(SweepKillSystemCall, LeavesTheOldOrTheNewState) {
     JudgeKilled(GetParam());
     ASSERT_FALSE(HasFailure());
   }
-  Report(std::string("kill before system call, ") + NameOf(GetParam()),
-         points.size());
+  Report("kill before system call", GetParam(), points.size());
 }
 
 INSTANTIATE_TEST_SUITE_P(, SweepKillSystemCall, testing::ValuesIn(kWritings),

@@ -45,14 +45,21 @@ std::string KilledStory::LeftoversOfTheSave() const {
   return left;
 }
 
-void KilledStory::Report(std::string const& name, std::size_t points) const {
+void KilledStory::Report(std::string const& name, Writing writing,
+                         std::size_t points) const {
+  EXPECT_LT(0U, old_count_ + new_count_);
+  if (WholeSweep() && !OnlyOpens(writing)) {
+    EXPECT_LT(0U, old_count_);
+    EXPECT_LT(0U, new_count_);
+  }
   std::chrono::duration<double> const time =
       std::chrono::steady_clock::now() - begin_;
-  ReportSweep(name, "points " + std::to_string(points) + ", tried " +
-                        std::to_string(old_count_ + new_count_) + ", old " +
-                        std::to_string(old_count_) + ", new " +
-                        std::to_string(new_count_) + ", seconds " +
-                        std::to_string(static_cast<int>(time.count())));
+  ReportSweep(name + ", " + NameOf(writing),
+              "points " + std::to_string(points) + ", tried " +
+                  std::to_string(old_count_ + new_count_) + ", old " +
+                  std::to_string(old_count_) + ", new " +
+                  std::to_string(new_count_) + ", seconds " +
+                  std::to_string(static_cast<int>(time.count())));
 }
 
 }  // namespace tabwerk::test

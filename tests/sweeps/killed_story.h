@@ -17,7 +17,9 @@ class KilledStory : public WriteStory {
   void JudgeKilled(Writing writing);
 
   // Prints how many points there are and what became of those that were tried.
-  void Report(std::string const& name, std::size_t points) const;
+  // Fails the test when none was, or when all of them left the same state.
+  void Report(std::string const& name, Writing writing,
+              std::size_t points) const;
 
  private:
   void SaveOnceMore(Writing writing, bool is_new);

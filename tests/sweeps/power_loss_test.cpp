@@ -90,6 +90,11 @@ TEST_P(SweepPower, LeavesTheOldOrTheNewState) {
         << "\nold: " << old_state_ << "\nnew: " << new_state_;
     ++(outcome == "new" ? new_count : old_count);
   }
+  EXPECT_LT(0U, old_count + new_count);
+  if (WholeSweep() && !OnlyOpens(GetParam())) {
+    EXPECT_LT(0U, old_count);
+    EXPECT_LT(0U, new_count);
+  }
   std::chrono::duration<double> const time =
       std::chrono::steady_clock::now() - begin;
   ReportSweep(std::string("power loss, ") + NameOf(GetParam()),
