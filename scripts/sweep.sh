@@ -57,23 +57,20 @@ built() {
     { tail -n 40 "$root/logs/sweep-build.log"; return 1; }
 }
 
-# run_suites FILTER: these tests on both systems, whole.
-run_suites() {
+# run_tests PROGRAM FILTER: these tests on both systems.
+run_tests() {
   local result=0
-  built dev sweeps_test && built mingw sweeps_test || return 1
+  built dev "$1" && built mingw "$1" || return 1
   echo "-- Linux"
-  "$root/dev/bin/sweeps_test" --gtest_filter="$1" --gtest_brief=1 || result=1
+  "$root/dev/bin/$1" --gtest_filter="$2" --gtest_brief=1 || result=1
   echo "-- Windows"
   cmake/wine-run.sh "$root/mingw/wineprefix" \
-    "$root/mingw/bin/sweeps_test.exe" --gtest_filter="$1" --gtest_brief=1 ||
-    result=1
+    "$root/mingw/bin/$1.exe" --gtest_filter="$2" --gtest_brief=1 || result=1
   return $result
 }
 
 run_models() {
-  built dev end_to_end_test || return 1
-  TABWERK_OPERATIONS=50000 "$root/dev/bin/end_to_end_test" \
-    --gtest_filter='Model*' --gtest_brief=1
+  TABWERK_OPERATIONS=50000 run_tests end_to_end_test 'Model*'
 }
 
 run_step() {
@@ -84,7 +81,7 @@ run_step() {
     mutation) scripts/mutation.py ;;
     lint) scripts/lint.sh ;;
     valgrind) scripts/valgrind.sh ;;
-    *) run_suites "Sweep${1^}*" ;;
+    *) run_tests sweeps_test "Sweep${1^}*" ;;
   esac
 }
 
