@@ -180,13 +180,17 @@ void Manager::Open(bool for_write) {
   open_for_write_ = for_write;
 }
 
-void Manager::OpenUnlessOpen(bool for_write) {
+bool Manager::IsOpen(bool for_write) const {
   bool is_open = !tables_.empty();
   for (auto const& file : files_) {
     bool const is_user = EndsWith(file, ".UDB") || EndsWith(file, ".udb");
     if (is_user && for_write && !open_for_write_) is_open = false;
   }
-  if (!is_open) Open(for_write);
+  return is_open;
+}
+
+void Manager::OpenUnlessOpen(bool for_write) {
+  if (!IsOpen(for_write)) Open(for_write);
 }
 
 // The first file says which tables there are, the last one first; part k of

@@ -59,6 +59,8 @@ class Manager {
 
   // Reads all files and brings the index up to date.
   void Open(bool for_write);
+  // What DBDirectory::FileIsOpen says.
+  bool IsOpen(bool for_write) const;
   // As Open for a database that may be open already.
   void OpenUnlessOpen(bool for_write);
   // Names of the tables in the order of the directory.
