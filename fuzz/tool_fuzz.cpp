@@ -99,6 +99,15 @@ bool IsOfFailedSave(std::string const& name) {
          name.starts_with(temporary + "dir");
 }
 
+// A trial copy or a lock file stands beside the file that it is for; an index
+// that waits has a number behind its name.
+bool IsOfASave(std::string const& name, Files const& after) {
+  bool const beside = (name.ends_with('T') || name.ends_with('L')) &&
+                      after.count(name.substr(0, name.size() - 1)) != 0;
+  auto const stem = name.substr(0, name.find_last_not_of("0123456789") + 1);
+  return beside || (stem != name && stem.ends_with(".idx."));
+}
+
 // A file that the input itself names may be called anything.
 void RequireNothingLeft(Files const& before, Files const& after, bool failed,
                         std::string const& input) {
@@ -107,9 +116,7 @@ void RequireNothingLeft(Files const& before, Files const& after, bool failed,
     if (input.find(name) != input.npos) continue;
     Require(!name.starts_with(PrivateFolder::kTemporary),
             "no temporary file is left");
-    Require(!name.ends_with(".UDBT") && !name.ends_with(".UDBL") &&
-                !name.ends_with(".idxL"),
-            "no file of a save is left");
+    Require(!IsOfASave(name, after), "no file of a save is left");
   }
 }
 
