@@ -43,9 +43,6 @@ root=$(mkdir -p "$root/logs" && realpath "$root")
 export TABWERK_BUILD_ROOT=$root
 export TABWERK_SWEEP=whole
 jobs=$(nproc)
-# For files that are written often and whose way to the disk is not looked at.
-memory=${TMPDIR:-/tmp}
-if [ -d /dev/shm ] && [ -w /dev/shm ]; then memory=/dev/shm; fi
 if command -v ccache >/dev/null; then
   export CMAKE_CXX_COMPILER_LAUNCHER=ccache
 fi
@@ -84,7 +81,6 @@ run_step() {
     mutation) scripts/mutation.py ;;
     lint) scripts/lint.sh ;;
     valgrind) scripts/valgrind.sh ;;
-    damage | index) TMPDIR=$memory run_tests sweeps_test "Sweep${1^}*" ;;
     *) run_tests sweeps_test "Sweep${1^}*" ;;
   esac
 }

@@ -16,6 +16,7 @@
 #include "tests/support/hex_file.h"
 #include "tests/support/memory_meter.h"
 #include "tests/support/plain_database.h"
+#include "tests/support/private_temp.h"
 #include "tests/support/sweep.h"
 #include "tests/support/temp_folder.h"
 #include "tests/sweeps/case_watch.h"
@@ -123,7 +124,8 @@ std::string OwnerOf(Damages::Damage const& damage,
 // --- Reading
 // ------------------------------------------------------------------
 
-class DamagedFile : public testing::TestWithParam<Subject> {
+class DamagedFile : protected PrivateTemp,
+                    public testing::TestWithParam<Subject> {
  protected:
   ~DamagedFile() override {
     DBbase::Init({}, {});
@@ -267,6 +269,7 @@ class WriteDamagedFile : public DamagedFile {
         ExpectBounded(meter, GetParam().bytes.size() + damage.bytes.size());
       }
       DBbase::Init({}, {});
+      RemoveTempFiles();  // those of refused saves
     });
     EXPECT_GT(written_, 0);
     ReportSweep("damage, write " + GetParam().name +

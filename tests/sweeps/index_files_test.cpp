@@ -15,6 +15,7 @@
 #include "tests/support/fault_platform.h"
 #include "tests/support/memory_meter.h"
 #include "tests/support/plain_manager.h"
+#include "tests/support/private_temp.h"
 #include "tests/support/sweep.h"
 #include "tests/support/temp_folder.h"
 #include "tests/sweeps/case_watch.h"
@@ -151,7 +152,7 @@ RowTexts Kept(RowTexts rows) {
 
 // --- The sweep ---------------------------------------------------------------
 
-class SweepIndex : public DatabaseTest {
+class SweepIndex : protected PrivateTemp, public DatabaseTest {
  protected:
   SweepIndex() {
     MakeFile("MAIN.db", MainFile());
