@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -20,7 +19,6 @@
 namespace tabwerk {
 namespace {
 
-constexpr std::size_t kChunkBytes = 65536;
 constexpr std::int64_t kLargestOffset =
     std::numeric_limits<std::int32_t>::max();
 
@@ -34,25 +32,6 @@ bool OpenTemp(char const* prefix, zWString* path, FILE** stream) {
   *stream = platform::OpenFile(*path, platform::Mode::kCreateUpdate,
                                platform::Share::kDenyAll, &error);
   return *stream != nullptr;
-}
-
-bool CloseStream(FILE*& stream) {
-  auto* const closing = std::exchange(stream, nullptr);
-  return closing == nullptr || platform::Close(closing);
-}
-
-// Appends the whole of one stream to another; the number of bytes, or -1.
-std::int64_t Append(FILE* from, FILE* to) {
-  if (!platform::Seek(from, 0, platform::Origin::kStart)) return -1;
-  auto const chunk = std::make_unique<std::byte[]>(kChunkBytes);
-  std::int64_t total = 0;
-  for (;;) {
-    auto const size = platform::Read(from, chunk.get(), kChunkBytes);
-    if (platform::Write(to, chunk.get(), size) != size) return -1;
-    total += static_cast<std::int64_t>(size);
-    if (size < kChunkBytes) break;
-  }
-  return platform::Failed(from) ? -1 : total;
 }
 
 std::optional<std::size_t> PositionOf(zWString const& path,
@@ -77,10 +56,11 @@ Save::Save(DBDirectory& directory, std::size_t file, zWString target)
       index_(IndexPath(directory)) {}
 
 Save::~Save() {
+  if (!replaced_) CompleteDirectoryFile();
   // Not examined: these are temporary files, and what they hold is lost anyway
   // when the save has failed.
-  (void)CloseStream(data_.stream);
-  (void)CloseStream(container_.stream);
+  (void)data_.Close();
+  (void)directory_file_.Close();
   if (replaced_) return;
   DeleteLeftover(trial_copy_);
   DeleteLeftover(pending_index_);
@@ -90,11 +70,12 @@ Save::~Save() {
 bool Save::Run() {
   if (!LoadTables() || !MayForgetUnreadIndex()) return false;
   if (!TakeLocks() || !PrepareParts()) return false;
-  if (!WriteTables() || !WriteDatabaseFile()) return false;
+  if (!WriteTables() || !WriteDirectory()) return false;
   if (!PrepareIndex() || !PrepareTrialCopy()) return false;
   if (!ReplaceTarget()) return false;
   FinishIndex();
-  DeleteLeftover(container_.path);
+  (void)data_.Close();  // only read since it was checked
+  DeleteLeftover(directory_file_.path);
   DeleteLeftover(data_.path);
   return true;
 }
@@ -155,6 +136,7 @@ bool Save::WriteTables() {
     if (!WriteTable(*tables_[position], *entry, &end)) return false;
     ++position;
   }
+  data_size_ = end;
   return platform::Flush(data_.stream) && !platform::Failed(data_.stream) &&
          platform::FileSize(data_.stream) == end;
 }
@@ -183,25 +165,22 @@ bool Save::WriteTable(DBTabelle& table, DBDirEntry& entry, std::int64_t* end) {
   return true;
 }
 
-bool Save::WriteDatabaseFile() {
+bool Save::WriteDirectory() {
   time_stamp_ = NewTimeStamp();
-  if (!OpenTemp("dir", &container_.path, &container_.stream)) return false;
-  if (!DirectoryAccess::WriteContainer(directory_, container_.stream, file_,
+  auto& file = directory_file_;
+  if (!OpenTemp("dir", &file.path, &file.stream)) return false;
+  if (!DirectoryAccess::WriteContainer(directory_, file.stream, file_,
                                        time_stamp_)) {
     return false;
   }
-  auto const data_start = platform::Tell(container_.stream);
-  auto const data_size = Append(data_.stream, container_.stream);
-  if (data_start < 0 || data_size < 0) return false;
-  auto const size = data_start + data_size;
-  if (size > kLargestOffset) return false;
-  if (!platform::Flush(container_.stream) ||
-      platform::Failed(container_.stream) ||
-      platform::FileSize(container_.stream) != size) {
+  auto const end = platform::Tell(file.stream);
+  if (end < 0 || end + data_size_ > kLargestOffset ||
+      !platform::Flush(file.stream) || platform::Failed(file.stream) ||
+      platform::FileSize(file.stream) != end || !file.Close()) {
     return false;
   }
-  (void)CloseStream(data_.stream);  // its whole content has been read
-  return CloseStream(container_.stream);
+  data_start_ = end;
+  return true;
 }
 
 void Save::RestoreEntries() noexcept {

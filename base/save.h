@@ -20,15 +20,17 @@ namespace tabwerk {
 // takes the old one's place in one move:
 //
 //   1. the blocks of all tables into a temporary file ("dta…")
-//   2. header, directory and those blocks into a second one ("dir…")
+//   2. header and directory into a second one ("dir…")
 //   3. the index for the new file beside the old index
-//   4. a trial copy beside the target, on the disk
+//   4. a trial copy of both, one behind the other, beside the target, on the
+//      disk
 //   5. the trial copy moves onto the target
 //   6. the new index moves onto the old one
 //
 // While it lasts, two empty lock files ("…L" beside target and index) keep
 // other programs from saving the same file.  A save is used once.  The two
-// temporary files stay when it fails.
+// temporary files stay when it fails; the second one gets the blocks then, too,
+// so that it is the new file as far as there was one.
 class Save {
  public:
   // The data are those of file `file`; both arguments are borrowed.
@@ -45,6 +47,9 @@ class Save {
   struct TempFile {
     zWString path;
     FILE* stream = nullptr;
+
+    // True as well when it is not open.
+    bool Close();
   };
   // What a save changes of an entry, as it was before.
   struct EntryState {
@@ -60,11 +65,13 @@ class Save {
   bool PrepareParts();
   bool WriteTables();
   bool WriteTable(DBTabelle& table, DBDirEntry& entry, std::int64_t* end);
-  bool WriteDatabaseFile();
+  bool WriteDirectory();
   bool MayForgetUnreadIndex() const;
   bool MayReplaceIndex() const;
   bool PrepareIndex();
   bool PrepareTrialCopy();
+  bool AppendData(FILE* stream) const;
+  void CompleteDirectoryFile() noexcept;
   bool ReplaceTarget();
   void FinishIndex() noexcept;
   void RestoreEntries() noexcept;
@@ -89,7 +96,9 @@ class Save {
   std::vector<DBTabelle*> tables_;
   std::vector<EntryState> entries_;
   TempFile data_;
-  TempFile container_;
+  std::int64_t data_size_ = 0;
+  TempFile directory_file_;
+  std::int64_t data_start_ = -1;  // in the new file; -1 until it is known
   bool replaced_ = false;
 };
 

@@ -1,12 +1,15 @@
 // The second half of a save: the new file and its index take the place of the
 // old ones.
 #include <algorithm>
+#include <cstddef>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "base/file_lock.h"
 #include "base/index_file.h"
 #include "base/save.h"
+#include "platform/block.h"
 #include "platform/guarded.h"
 #include "platform/platform.h"
 #include "schema/directory_access.h"
@@ -14,16 +17,14 @@
 namespace tabwerk {
 namespace {
 
-bool SyncPath(zWString const& path) {
-  auto error = platform::Error::kNone;
-  auto* const stream = platform::OpenFile(path, platform::Mode::kUpdate,
-                                          platform::Share::kDenyAll, &error);
-  if (stream == nullptr) return false;
-  bool const synced = platform::Sync(stream);
-  return platform::Close(stream) && synced;
-}
+constexpr std::int64_t kPieceBytes = 262144;
 
 }  // namespace
+
+bool Save::TempFile::Close() {
+  auto* const closing = std::exchange(stream, nullptr);
+  return closing == nullptr || platform::Close(closing);
+}
 
 // The stamp that the target carries now, so that the new one differs even when
 // the file was not read by this directory.
@@ -110,9 +111,55 @@ bool Save::PrepareTrialCopy() {
   // Not examined: Copy fails when what is left of an older save stays.
   (void)platform::ClearReadOnly(trial_copy_);
   DeleteLeftover(trial_copy_);
-  return platform::Copy(container_.path, trial_copy_) ==
-             platform::Error::kNone &&
-         platform::ClearReadOnly(trial_copy_) && SyncPath(trial_copy_);
+  if (platform::Copy(directory_file_.path, trial_copy_) !=
+          platform::Error::kNone ||
+      !platform::ClearReadOnly(trial_copy_)) {
+    return false;
+  }
+  auto error = platform::Error::kNone;
+  auto* const stream = platform::OpenFile(trial_copy_, platform::Mode::kUpdate,
+                                          platform::Share::kDenyAll, &error);
+  if (stream == nullptr) return false;
+  bool const written = AppendData(stream) && platform::Sync(stream) &&
+                       !platform::Failed(stream) &&
+                       platform::FileSize(stream) == data_start_ + data_size_;
+  return platform::Close(stream) && written;
+}
+
+// Puts the data behind header and directory.
+bool Save::AppendData(FILE* stream) const {
+  if (!platform::Seek(stream, data_start_, platform::Origin::kStart) ||
+      !platform::Seek(data_.stream, 0, platform::Origin::kStart)) {
+    return false;
+  }
+  auto const piece_size = [this](std::int64_t done) {
+    return static_cast<std::size_t>(std::min(data_size_ - done, kPieceBytes));
+  };
+  platform::Block piece;
+  if (!piece.ResetUnset(piece_size(0))) return false;
+  for (std::int64_t done = 0; done < data_size_;) {
+    auto const size = piece_size(done);
+    if (platform::Read(data_.stream, piece.data(), size) != size ||
+        platform::Write(stream, piece.data(), size) != size) {
+      return false;
+    }
+    done += static_cast<std::int64_t>(size);
+  }
+  return true;
+}
+
+// Makes the second temporary file of a failed save the whole new file.  Not
+// examined: what is left is for people to look at.
+void Save::CompleteDirectoryFile() noexcept {
+  if (data_start_ < 0) return;
+  auto* const stream = Guarded<FILE*>(nullptr, [&] {
+    auto error = platform::Error::kNone;
+    return platform::OpenFile(directory_file_.path, platform::Mode::kUpdate,
+                              platform::Share::kDenyAll, &error);
+  });
+  if (stream == nullptr) return;
+  (void)AppendData(stream);
+  (void)platform::Close(stream);
 }
 
 bool Save::ReplaceTarget() {

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <limits>
 
 #include "tests/support/database_fixture.h"
 #include "tests/support/fault_platform.h"
+#include "tests/support/private_temp.h"
 
 namespace tabwerk::test {
 namespace {
@@ -351,6 +353,30 @@ TEST_F(ManagerWrite, FilesAreOpenAsBeforeAfterAFailedMove) {
   other.Initialize(W("X"), {W(Path("USER.UDB"))});
   EXPECT_FALSE(other.OpenDBdatei(0, true, false));  // still held for writing
   EXPECT_TRUE(other.OpenDBdatei(0, false, false));
+}
+
+class ManagerWriteTemp : protected PrivateTemp, public ManagerWrite {};
+
+// For people who look for what the save was about to write.
+TEST_F(ManagerWriteTemp, AFailedSaveLeavesTheNewFileThere) {
+  AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
+  for (auto const failing : {Call::kCopy, Call::kReplace}) {
+    {
+      FaultGuard faults;
+      faults.FailAt(1, Lasting::kOnce, Only(failing));
+      EXPECT_FALSE(WriteUserFile());
+    }
+    auto const names = TempFiles();
+    ASSERT_EQ(2U, names.size());
+    auto const folder = platform::TempFolder().toUtf8();
+    auto const whole = ReadFileBytes(folder + names[0]);
+    auto const data = ReadFileBytes(folder + names[1]);
+    EXPECT_EQ("[20000|3|0|Carl][20001|4|0|Dora]",
+              RowsOf(ReadDatabase(folder + names[0]), "ARTIKEL"));
+    EXPECT_LT(data.size(), whole.size());
+    EXPECT_TRUE(std::equal(data.rbegin(), data.rend(), whole.rbegin()));
+    RemoveTempFiles();
+  }
 }
 
 }  // namespace
