@@ -18,6 +18,9 @@ namespace tabwerk {
 namespace {
 
 constexpr std::int64_t kPieceBytes = 262144;
+// So much of a new file at a time is on its way to the disk while the rest is
+// written.
+constexpr std::int64_t kSyncBytes = 16 * kPieceBytes;
 
 }  // namespace
 
@@ -144,6 +147,9 @@ bool Save::AppendData(FILE* stream) const {
       return false;
     }
     done += static_cast<std::int64_t>(size);
+    if (done % kSyncBytes == 0) {
+      platform::BeginSync(stream, data_start_ + done - kSyncBytes, kSyncBytes);
+    }
   }
   return true;
 }

@@ -169,6 +169,18 @@ bool Sync(FILE* stream) {
   return std::fflush(stream) == 0 && fsync(fileno(stream)) == 0;
 }
 
+void BeginSync(FILE* stream, std::int64_t offset, std::int64_t size) {
+  // Whole pages: one that still grows would be written twice.
+  constexpr std::int64_t kPage = 4096;
+  std::int64_t const start = offset / kPage * kPage;
+  std::int64_t const end = (offset + size) / kPage * kPage;
+  if (end <= start) {  // for the system a size of 0 means the whole file
+    return;
+  }
+  static_cast<void>(sync_file_range(fileno(stream), start, end - start,
+                                    SYNC_FILE_RANGE_WRITE));
+}
+
 bool Exists(zWString const& path) {
   std::optional<std::string> const native = NativePath(path);
   struct stat status = {};

@@ -185,6 +185,10 @@ bool Sync(FILE* stream) {
   return std::fflush(stream) == 0 && _commit(_fileno(stream)) == 0;
 }
 
+// The system only has the step that waits.
+void BeginSync(FILE* /*stream*/, std::int64_t /*offset*/,
+               std::int64_t /*size*/) {}
+
 // A stream is wide-oriented here when its file is in a Unicode text mode.
 bool WriteText(FILE* stream, std::u16string_view text) {
   zWString const units(text);

@@ -28,6 +28,10 @@ bool Failed(FILE* stream) { return os::Failed(stream); }
 
 bool Flush(FILE* stream) { return os::Flush(stream); }
 
+void BeginSync(FILE* stream, std::int64_t offset, std::int64_t size) {
+  os::BeginSync(stream, offset, size);
+}
+
 std::int64_t Now() { return os::Now(); }
 
 void* Allocate(std::size_t size) { return os::Allocate(size); }

@@ -320,6 +320,10 @@ bool Sync(FILE* stream) {
   return synced;
 }
 
+void BeginSync(FILE* stream, std::int64_t offset, std::int64_t size) {
+  os::BeginSync(stream, offset, size);
+}
+
 bool Close(FILE* stream) {
   bool const must_fail = MustFail(Call::kClose);
   TheState().failed_streams.erase(stream);
