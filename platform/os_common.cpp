@@ -33,8 +33,6 @@ bool Close(FILE* stream) { return std::fclose(stream) == 0; }
 
 std::int64_t Now() { return static_cast<std::int64_t>(std::time(nullptr)); }
 
-void* Allocate(std::size_t size) { return std::malloc(size == 0 ? 1 : size); }
-
 void* Reallocate(void* block, std::size_t size) {
   return std::realloc(block, size == 0 ? 1 : size);
 }

@@ -11,6 +11,7 @@
 #include <io.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 #include <string>
@@ -202,6 +203,8 @@ bool WriteText(FILE* stream, std::u16string_view text) {
   std::string const bytes = units.toUtf8();
   return os::Write(stream, bytes.data(), bytes.size()) == bytes.size();
 }
+
+void* Allocate(std::size_t size) { return std::malloc(size == 0 ? 1 : size); }
 
 void Pause(int milliseconds) { Sleep(static_cast<DWORD>(milliseconds)); }
 
