@@ -69,20 +69,16 @@ BitTree BitTree::Shifted(std::int64_t less, std::size_t size) const {
   return shifted;
 }
 
-void BitTree::Insert(std::size_t number) noexcept {
-  std::uint64_t* word = &bits_[number / 64];
-  bool was_used = *word != 0;
-  *word |= BitOf(number);
-  bool is_full = *word == kFull;
+void BitTree::NoteInserted(std::size_t word, bool is_full) noexcept {
   for (std::size_t level = 0; level < used_.size(); ++level) {
-    if (was_used && !is_full) return;
-    number /= 64;
-    std::uint64_t& used = used_[level][number / 64];
-    was_used = used != 0;
-    used |= BitOf(number);
-    std::uint64_t& full = full_[level][number / 64];
-    if (is_full) full |= BitOf(number);
+    std::uint64_t& used = used_[level][word / 64];
+    std::uint64_t& full = full_[level][word / 64];
+    bool const was_used = used != 0;
+    used |= BitOf(word);
+    if (is_full) full |= BitOf(word);
     is_full = is_full && full == kFull;
+    if (was_used && !is_full) return;
+    word /= 64;
   }
 }
 

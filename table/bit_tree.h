@@ -25,7 +25,14 @@ class BitTree {
   // The set of the same numbers, each less by that much, below another size.
   // All of them must lie there.  Word by word.  Throws std::bad_alloc.
   BitTree Shifted(std::int64_t less, std::size_t size) const;
-  void Insert(std::size_t number) noexcept;
+  void Insert(std::size_t number) noexcept {
+    std::uint64_t& word = bits_[number / 64];
+    bool const was_used = word != 0;
+    word |= std::uint64_t{1} << (number % 64);
+    // Few numbers are the first or the last one of their word.
+    bool const is_full = word == ~std::uint64_t{0};
+    if (!was_used || is_full) NoteInserted(number / 64, is_full);
+  }
   void Remove(std::size_t number) noexcept;
   // Largest and smallest number of the set, which must not be empty.
   std::size_t Largest() const noexcept;
@@ -39,6 +46,8 @@ class BitTree {
   // The bits of 64 numbers from first on; no number beyond the set's is in it.
   std::uint64_t BitsFrom(std::int64_t first) const noexcept;
   void FillLevels() noexcept;
+  // Enters into the levels that a word has bits now, or all of them.
+  void NoteInserted(std::size_t word, bool is_full) noexcept;
 
   std::size_t size_ = 0;
   Words bits_;

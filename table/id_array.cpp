@@ -28,14 +28,6 @@ IdArray IdArray::OverWindow(std::int64_t first, std::int64_t last) const {
   return moved;
 }
 
-void IdArray::Set(std::int32_t id, std::int32_t row) noexcept {
-  std::size_t const position = Position(id);
-  rows_[position] = row;
-  if (present_.Has(position)) return;
-  present_.Insert(position);
-  ++count_;
-}
-
 bool IdArray::Remove(std::int32_t id) noexcept {
   if (!Has(id)) return false;
   present_.Remove(Position(id));

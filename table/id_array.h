@@ -46,7 +46,13 @@ class IdArray {
     return Find(id, &row);
   }
   // Enters an ID of the window or replaces its row.
-  void Set(std::int32_t id, std::int32_t row) noexcept;
+  void Set(std::int32_t id, std::int32_t row) noexcept {
+    std::size_t const position = Position(id);
+    rows_[position] = row;
+    if (present_.Has(position)) return;
+    present_.Insert(position);
+    ++count_;
+  }
   // Removes an ID; false when the map does not have it.
   bool Remove(std::int32_t id) noexcept;
 

@@ -66,7 +66,7 @@ struct IdIndex::Storage {
   std::optional<TakenIds> taken;
 
   std::size_t size() const { return dense ? array.size() : hash.size(); }
-  void SetInArray(std::int32_t id, std::int32_t row);
+  void SetBeyondArray(std::int32_t id, std::int32_t row);
   void MoveArray(Span span, std::int32_t id);
   void SetInHash(std::int32_t id, std::int32_t row);
   bool BecomeArray(std::int32_t id);
@@ -81,20 +81,18 @@ struct IdIndex::Storage {
 
 // --- While the entries lie in the array -----------------------------------
 
-void IdIndex::Storage::SetInArray(std::int32_t id, std::int32_t row) {
-  if (!array.Covers(id)) {
-    Span span(id);
-    if (array.size() != 0) {
-      span.Add(array.LowestId());
-      span.Add(array.LargestId());
-    }
-    if (!span.IsDense(std::max(array.size(), expected), kKeepArray)) {
-      BecomeHash();
-      SetInHash(id, row);
-      return;
-    }
-    MoveArray(span, id);
+void IdIndex::Storage::SetBeyondArray(std::int32_t id, std::int32_t row) {
+  Span span(id);
+  if (array.size() != 0) {
+    span.Add(array.LowestId());
+    span.Add(array.LargestId());
   }
+  if (!span.IsDense(std::max(array.size(), expected), kKeepArray)) {
+    BecomeHash();
+    SetInHash(id, row);
+    return;
+  }
+  MoveArray(span, id);
   array.Set(id, row);
 }
 
@@ -271,10 +269,12 @@ bool IdIndex::Find(std::int32_t id, std::int32_t* row) const noexcept {
 
 void IdIndex::Set(std::int32_t id, std::int32_t row) {
   if (storage_ == nullptr) storage_ = new Storage;
-  if (storage_->dense) {
-    storage_->SetInArray(id, row);
-  } else {
+  if (!storage_->dense) {
     storage_->SetInHash(id, row);
+  } else if (storage_->array.Covers(id)) {
+    storage_->array.Set(id, row);
+  } else {
+    storage_->SetBeyondArray(id, row);
   }
 }
 

@@ -4,26 +4,28 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "DBTabelle.h"
 #include "platform/guarded.h"
 #include "platform/platform.h"
-#include "schema/bytes.h"
-#include "schema/layout.h"
-#include "schema/names.h"
 #include "table/id_index.h"
 #include "table/row_walk.h"
 #include "table/section_source.h"
 #include "table/table_access.h"
+#include "table/value_writer.h"
 
 using tabwerk::Guarded;
 using tabwerk::IdIndex;
 using tabwerk::RowUpdate;
+using tabwerk::RowWalk;
 using tabwerk::SectionSource;
+using tabwerk::SectionValues;
 using tabwerk::StreamSource;
 using tabwerk::TableAccess;
+using tabwerk::ValueWriter;
 namespace platform = tabwerk::platform;
 
 namespace {
@@ -34,22 +36,21 @@ constexpr std::string_view kIdTag = "ID";
 constexpr std::string_view kFolgeTag = "FOLGE";
 constexpr std::string_view kStatusTag = "STATUS";
 
-// Values are read in pieces of this many, so that a count that is not true of
-// the file takes no memory.
-constexpr std::size_t kPieceValues = std::size_t{1} << 16;
-
-constexpr std::size_t kValueSize = sizeof(std::int32_t);
+constexpr std::size_t kValueSize = SectionValues::kValueSize;
 
 // Results of writing and reading are not examined here: the caller asks the
 // stream when all sections are done.
-void WriteSection(FILE* f, std::string_view tag, std::size_t count,
-                  Values const& values) {
+template <typename Entry>
+void WriteSection(FILE* f, std::string_view tag,
+                  std::vector<Entry> const& entries) {
+  static_assert(std::is_standard_layout_v<Entry> &&
+                sizeof(Entry) % kValueSize == 0);
   if (f == nullptr) return;
-  auto const stored_count = static_cast<std::int32_t>(count);
+  auto const count = static_cast<std::int32_t>(entries.size());
   (void)platform::Write(f, tag.data(), tag.size());
-  (void)platform::Write(f, &stored_count, kValueSize);
-  if (values.empty()) return;
-  (void)platform::Write(f, values.data(), values.size() * kValueSize);
+  (void)platform::Write(f, &count, kValueSize);
+  if (entries.empty()) return;
+  (void)platform::Write(f, entries.data(), entries.size() * sizeof(Entry));
 }
 
 // True when the section has that tag; its bytes are consumed in either case.
@@ -66,41 +67,26 @@ std::int32_t ReadCount(SectionSource& source) {
   return read ? std::max(count, 0) : 0;
 }
 
-// The next count values, or as many of them as the source has.
-Values ReadValues(SectionSource& source, std::size_t count) {
-  Values values;
-  while (values.size() < count) {
-    std::size_t const have = values.size();
-    std::size_t const piece = std::min(count - have, kPieceValues);
-    values.resize(have + piece);
-    std::size_t const read =
-        source.Read(values.data() + have, piece * kValueSize);
-    if (read == piece * kValueSize) continue;
-    values.resize(have + read / kValueSize);
-    break;
-  }
-  return values;
-}
-
 // Sets an index to as many entries of that value as its section announces, and
 // reads the section's values.  A source that ends early gives an index of the
 // announced size as long as that is small, else one for the values read.
 // False, an empty index and no values without memory.
 bool ReadEntries(SectionSource& source, Values* index, std::int32_t initial,
-                 Values* values) {
+                 SectionValues* values) {
   index->clear();
   auto const count = static_cast<std::size_t>(ReadCount(source));
   return Guarded(false, [&] {
-    Values read = ReadValues(source, count);
-    index->assign(std::min(count, std::max(read.size(), kPieceValues)),
-                  initial);
+    SectionValues read(source, count);
+    index->assign(
+        std::min(count, std::max(read.size(), SectionValues::kPieceValues)),
+        initial);
     *values = std::move(read);
     return true;
   });
 }
 
 // Makes room for entries of an ID and a row each.
-void ReserveIds(Values const& entries, IdIndex* ids) {
+void ReserveIds(SectionValues const& entries, IdIndex* ids) {
   if (entries.size() < 2) return;
   auto first = entries[0];
   auto last = entries[0];
@@ -117,74 +103,31 @@ bool SelectRow(DBTabelle& table, std::int64_t row) {
          table.SelectZeile(static_cast<long>(row)) == 1;
 }
 
-// Sets values in the selected rows, in the column that is selected when it is
-// made, without the upkeep of an index.
-class ValueWriter {
- public:
-  explicit ValueWriter(DBTabelle& table)
-      : table_(table),
-        column_(
-            tabwerk::ColumnOf(table, TableAccess::Field(table), DBTypeInteger)),
-        record_size_(RecordSizeOf(table)) {
-    bool const followed = *TableAccess::FollowingIndex(table) != '\0';
-    auto const* const selected = TableAccess::Current(table);
-    usable_ = followed && column_.offset >= 0 && selected != nullptr &&
-              selected->field == TableAccess::Field(table) &&
-              IsFieldOfIndex(table) && TableAccess::Lookups(table) == nullptr;
-  }
-
-  // False, and nothing is set, where that takes SetWert.
-  bool Write(std::int32_t value) {
-    if (!usable_) return false;
-    auto* const selected = TableAccess::Current(table_);
-    auto* const record = selected->part->Row(selected->row, record_size_);
-    if (record == nullptr) return false;
-    tabwerk::StoreValue(record + column_.offset, value);
-    ++selected->part->revision;
-    return true;
-  }
-
- private:
-  static std::int32_t RecordSizeOf(DBTabelle& table) {
-    auto const* const definition = TableAccess::Definition(table);
-    return definition == nullptr
-               ? 0
-               : tabwerk::DefinitionAccess::RecordSize(*definition);
-  }
-  // The column that is missing keeps another one selected.
-  static bool IsFieldOfIndex(DBTabelle& table) {
-    return tabwerk::SameName(TableAccess::Field(table)->name,
-                             TableAccess::FollowingIndex(table));
-  }
-
-  DBTabelle& table_;
-  tabwerk::Column column_;
-  std::int32_t record_size_;
-  bool usable_ = false;
-};
+// Selects the first count rows in turn; behind the last one that is the last.
+void SelectRows(DBTabelle& table, std::size_t count) {
+  auto const wanted = static_cast<std::int64_t>(count);
+  auto const known = std::min(wanted, tabwerk::CountRows(table));
+  RowWalk walk(table);
+  if (walk.MoveTo(known - 1)) walk.Select();
+  if (wanted > known) (void)SelectRow(table, wanted - 1);
+}
 
 }  // namespace
 
 void DBTabelle::WriteIndexID(FILE* f) {
+  static_assert(sizeof(IdIndex::Entry) == 2 * kValueSize);
   Guarded(0, [&] {
-    auto const entries = id_index_->Entries();
-    Values values;
-    values.reserve(2 * entries.size());
-    for (auto const& [id, row] : entries) {
-      values.push_back(id);
-      values.push_back(row);
-    }
-    WriteSection(f, kIdTag, entries.size(), values);
+    WriteSection(f, kIdTag, id_index_->Entries());
     return 1;
   });
 }
 
 void DBTabelle::WriteIndexFolge(FILE* f) {
-  WriteSection(f, kFolgeTag, folge_index_.size(), folge_index_);
+  WriteSection(f, kFolgeTag, folge_index_);
 }
 
 void DBTabelle::WriteIndexStatus(FILE* f) {
-  WriteSection(f, kStatusTag, status_index_.size(), status_index_);
+  WriteSection(f, kStatusTag, status_index_);
 }
 
 void DBTabelle::ReadIndexID(FILE* f) {
@@ -220,7 +163,7 @@ bool TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
   ids.Clear();
   bool const complete = Guarded(false, [&] {
     auto const count = static_cast<std::size_t>(ReadCount(source));
-    Values const values = ReadValues(source, 2 * count);
+    SectionValues const values(source, 2 * count);
     ReserveIds(values, &ids);
     for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
       ids.Set(values[i], values[i + 1]);
@@ -235,18 +178,23 @@ bool TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
                             RowUpdate update) {
   if (!ReadTag(source, kFolgeTag)) return true;
   auto& index = Folge(table);
-  Values rows;
+  SectionValues rows;
   bool const read = ReadEntries(source, &index, -1, &rows);
   bool const found = table.SelectColumn("FOLGE") == 1;
   if (update == RowUpdate::kIndexOnly) {
-    std::copy(rows.begin(), rows.end(), index.begin());
+    rows.CopyTo(&index);
     return read;
   }
   ValueWriter writer(table);
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (!SelectRow(table, rows[i])) continue;
     auto const folge = static_cast<std::int32_t>(i);
-    if (writer.Write(folge)) {
+    bool written = writer.WriteInFirstPart(rows[i], folge);
+    if (!written) {
+      writer.Select();
+      if (!SelectRow(table, rows[i])) continue;
+      written = writer.Write(folge);
+    }
+    if (written) {
       if (i >= 1 && i < index.size()) index[i] = rows[i];
     } else if (found) {
       table.SetWert(static_cast<long>(folge));
@@ -255,6 +203,7 @@ bool TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
       (void)FollowValue(table, 0, folge);
     }
   }
+  writer.Select();
   return read;
 }
 
@@ -262,17 +211,24 @@ bool TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
                              RowUpdate update) {
   if (!ReadTag(source, kStatusTag)) return true;
   auto& index = Status(table);
-  Values values;
+  SectionValues values;
   bool const read = ReadEntries(source, &index, 0, &values);
   bool const found = table.SelectColumn("STATUS") == 1;
-  bool const index_only = update == RowUpdate::kIndexOnly;
-  if (index_only) std::copy(values.begin(), values.end(), index.begin());
+  if (update == RowUpdate::kIndexOnly) {
+    values.CopyTo(&index);
+    SelectRows(table, values.size());
+    return read;
+  }
   ValueWriter writer(table);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    // Kept: values beyond the last row fall on it, the last one winning.
-    bool const is_row = SelectRow(table, static_cast<std::int64_t>(i));
-    if (index_only) continue;
-    if (is_row && writer.Write(values[i])) {
+    auto const row = static_cast<std::int32_t>(i);
+    bool written = writer.WriteInFirstPart(row, values[i]);
+    if (!written) {
+      writer.Select();
+      // Kept: values beyond the last row fall on it, the last one winning.
+      written = SelectRow(table, row) && writer.Write(values[i]);
+    }
+    if (written) {
       if (i < index.size()) index[i] = values[i];
     } else if (found) {
       table.SetWert(static_cast<long>(values[i]));
@@ -280,6 +236,7 @@ bool TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
       (void)FollowValue(table, 0, values[i]);
     }
   }
+  writer.Select();
   return read;
 }
 
