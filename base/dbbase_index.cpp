@@ -13,6 +13,7 @@
 #include "platform/guarded.h"
 #include "platform/platform.h"
 #include "schema/directory_access.h"
+#include "table/row_walk.h"
 #include "table/section_source.h"
 #include "table/table_access.h"
 
@@ -23,6 +24,8 @@ using tabwerk::Guarded;
 using tabwerk::IndexContent;
 using tabwerk::ManagerAccess;
 using tabwerk::MemorySource;
+using tabwerk::PointersTo;
+using tabwerk::RebuiltCopiesOf;
 using tabwerk::RowUpdate;
 using tabwerk::TableAccess;
 
@@ -197,10 +200,19 @@ bool FilesAreAsRead(DBDirectory const& directory) {
 
 zWString LockPath(zWString const& path) { return path + zWString(u"L"); }
 
+// Whether the indices that tables have are known to be those of their rows.
+enum class Indices : std::uint8_t { kOfTheirRows, kToBeRebuilt };
+
+// What rebuilding selects last.
+void SelectLastStatus(DBTabelle& table) {
+  (void)tabwerk::SelectInteger(table, "STATUS");
+  tabwerk::SelectEveryRow(table);
+}
+
 // With the lock held: the index of these tables takes the place of the old one.
 // The tables have it then, too.
 bool ReplaceIndex(zWString const& path, DBDirectory const& directory,
-                  std::vector<DBTabelle*> const& tables) {
+                  std::vector<DBTabelle*> const& tables, Indices indices) {
   if (!FilesAreAsRead(directory)) return false;
   auto const fresh = path + zWString(u"T");
   auto const stamps = tabwerk::TimeStamps(directory);
@@ -210,13 +222,16 @@ bool ReplaceIndex(zWString const& path, DBDirectory const& directory,
   for (auto const stamp : stamps) {
     older.push_back(tabwerk::PendingIndexPath(path, stamp));
   }
-  auto built = tabwerk::CopiesOf(tables);
-  if (!tabwerk::WriteIndex(fresh, stamps, tabwerk::PointersTo(built))) {
+  std::vector<DBTabelle> built;
+  if (indices == Indices::kToBeRebuilt) built = RebuiltCopiesOf(tables);
+  if (!tabwerk::WriteIndex(fresh, stamps,
+                           built.empty() ? tables : PointersTo(built))) {
     return false;
   }
-  for (std::size_t i = 0; i < tables.size(); ++i) {
+  for (std::size_t i = 0; i < built.size(); ++i) {
     TableAccess::TakeIndices(*tables[i], built[i]);
   }
+  for (auto* table : tables) SelectLastStatus(*table);
   auto const error = Guarded(platform::Error::kInputOutput,
                              [&] { return platform::Replace(fresh, path); });
   if (error != platform::Error::kNone) {
@@ -245,8 +260,9 @@ int DBbase::WriteIndexToFile(DBDirectory* directory) const {
     if (!lock.IsHeld() || DirectoryAccess::IndexUnread(*directory)) {
       return kIndexNotWritten;
     }
-    return ReplaceIndex(path, *directory, tables) ? kIndexWritten
-                                                  : kIndexNotWritten;
+    return ReplaceIndex(path, *directory, tables, Indices::kToBeRebuilt)
+               ? kIndexWritten
+               : kIndexNotWritten;
   });
 }
 
@@ -274,8 +290,11 @@ int DBbase::MakeIndexFile(DBDirectory* directory) const {
                        ApplyIndex(index, *directory, tables);
   DirectoryAccess::IndexUnread(*directory) = !applied;
   if (applied && index.finding == Finding::kValid) return kValidIndexRead;
+  // Renumbering has made them.
+  auto const indices = index.finding == Finding::kStale ? Indices::kOfTheirRows
+                                                        : Indices::kToBeRebuilt;
   bool const written = applied && lock && lock->IsHeld() && Guarded(false, [&] {
-                         return ReplaceIndex(path, *directory, tables);
+                         return ReplaceIndex(path, *directory, tables, indices);
                        });
   if (written) return kIndexRebuilt;
   for (auto* table : tables) BuildIndices(*table);

@@ -93,10 +93,10 @@ void BuildIndices(DBTabelle& table) {
   table.MakeIndexStatus();
 }
 
-std::vector<DBTabelle> CopiesOf(std::vector<DBTabelle*> const& tables) {
+std::vector<DBTabelle> RebuiltCopiesOf(std::vector<DBTabelle*> const& tables) {
   std::vector<DBTabelle> copies;
   copies.reserve(tables.size());
-  for (auto const* table : tables) copies.emplace_back(*table);
+  for (auto const* table : tables) BuildIndices(copies.emplace_back(*table));
   return copies;
 }
 
@@ -140,7 +140,6 @@ bool WriteIndex(zWString const& path, std::vector<long long> const& time_stamps,
   auto size = time_stamps.size() * sizeof(std::int64_t);
   bool ok = true;
   for (auto* table : tables) {
-    BuildIndices(*table);
     table->WriteIndexID(stream);
     table->WriteIndexFolge(stream);
     table->WriteIndexStatus(stream);

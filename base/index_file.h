@@ -68,14 +68,14 @@ std::size_t StampBytes(DBDirectory const& directory);
 // Rebuilds a table's indices from its rows.
 void BuildIndices(DBTabelle& table);
 
-// Copies of these tables, for WriteIndex: the tables keep their indices and
-// their selection whatever becomes of it.
-std::vector<DBTabelle> CopiesOf(std::vector<DBTabelle*> const& tables);
+// Copies of these tables with rebuilt indices, for WriteIndex: the tables keep
+// theirs and their selection whatever becomes of it.
+std::vector<DBTabelle> RebuiltCopiesOf(std::vector<DBTabelle*> const& tables);
 std::vector<DBTabelle*> PointersTo(std::vector<DBTabelle>& tables);
 
 // Writes an index file with these time stamps and, in this order, the indices
-// of these tables, rebuilt from their rows.  The file is complete and on the
-// disk when this returns true; otherwise it is deleted again.
+// of these tables, which are those of their rows.  The file is complete and on
+// the disk when this returns true; otherwise it is deleted again.
 bool WriteIndex(zWString const& path, std::vector<long long> const& time_stamps,
                 std::vector<DBTabelle*> const& tables);
 

@@ -92,7 +92,7 @@ bool Save::MayReplaceIndex() const {
 
 bool Save::PrepareIndex() {
   if (index_.isEmpty() || !MayReplaceIndex()) return true;
-  auto copies = CopiesOf(tables_);
+  auto copies = RebuiltCopiesOf(tables_);
   auto order = PointersTo(copies);
   // Reading a first file reverses the order of its tables.
   if (position_ == 0U) std::reverse(order.begin(), order.end());

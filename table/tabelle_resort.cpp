@@ -1,4 +1,5 @@
 // Numbering the rows anew after rows came or went.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -20,6 +21,13 @@ using tabwerk::RowWalk;
 namespace {
 
 using Numbers = std::vector<std::int32_t>;
+
+// Makes room for these numbers as keys.
+void ReserveKeys(Numbers const& keys, IdIndex* index) {
+  if (keys.empty()) return;
+  auto const [least, most] = std::minmax_element(keys.begin(), keys.end());
+  index->Reserve(keys.size(), *least, *most);
+}
 
 // Two orders of IDs merged into one.
 //
@@ -55,7 +63,7 @@ class MergedOrder {
 
 MergedOrder::MergedOrder(Numbers recorded)
     : ids_(std::move(recorded)), next_(ids_.size()) {
-  entry_of_id_.Reserve(ids_.size());
+  ReserveKeys(ids_, &entry_of_id_);
   // Backwards, so that the first entry of an ID is the one that is kept: for
   // the ID 0 that is entry 0.
   for (std::size_t i = ids_.size(); i-- > 0;) {
@@ -84,7 +92,7 @@ void MergedOrder::Add(std::int32_t id) {
 // largest counts.
 Numbers RecordedOrder(IdIndex const& ids, Numbers const& folge_index) {
   IdIndex place_of_row;
-  place_of_row.Reserve(folge_index.size());
+  ReserveKeys(folge_index, &place_of_row);
   for (std::size_t place = folge_index.size(); place-- > 1;) {
     place_of_row.Set(folge_index[place], static_cast<std::int32_t>(place));
   }
