@@ -210,13 +210,15 @@ std::vector<Operation> InterpreterOperations() {
              "DBInterpreter::~DBInterpreter()", "DBInterpreter::CloseDatei()",
              "DBInterpreter::GetError() const",
              "DBInterpreter::GetErrorString() const",
+             "DBInterpreter::GetReadBytes() const",
              "DBInterpreter::SetTabelle(DBTabelle*)"},
             [](I& i) {
               DBInterpreter copy(i.interpreter);
               copy = i.interpreter;
               copy.SetTabelle(nullptr);
               copy.CloseDatei();
-              return copy.GetError() == 0 && copy.GetErrorString()[0] == '\0';
+              return copy.GetError() == 0 && copy.GetErrorString()[0] == '\0' &&
+                     copy.GetReadBytes() == 0;
             }),
       In<I>(Promise::kFails,
             {"DBInterpreter::OpenDatei(char const*, char const*)"},
