@@ -48,6 +48,7 @@ class ConvertCommand : public Command {
     if (auto const problem = Examine(source_, &before)) {
       return Report(*problem);
     }
+    if (auto const problem = WhyNotReplaced(target)) return Report(*problem);
     if (write_.backup) {
       if (auto problem = MakeBackup({ToPath(source_)}, &copies_)) {
         return Report(*problem);

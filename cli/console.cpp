@@ -1,7 +1,6 @@
 #include "cli/console.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <string>
 
@@ -18,6 +17,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #endif
 
@@ -29,9 +29,20 @@ constexpr int kUnknownWidth = 80;
 bool out_failed = false;
 bool reader_left = false;
 
+// Of a writing that has just failed.
+bool IsForLackOfReader() {
+#ifdef _WIN32
+  // Writing into a pipe fails for no other reason; what error it is differs
+  // between its kinds.
+  return GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_PIPE;
+#else
+  return errno == EPIPE;
+#endif
+}
+
 // To be called right behind what failed.
 void NoteFailure() {
-  if (!out_failed) reader_left = errno == EPIPE;
+  if (!out_failed) reader_left = IsForLackOfReader();
   out_failed = true;
 }
 

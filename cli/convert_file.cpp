@@ -1,7 +1,5 @@
 #include "cli/convert_file.h"
 
-#include <system_error>
-
 #include "DBDirectory.h"
 #include "DBTabelle.h"
 #include "DBbase.h"
@@ -59,7 +57,7 @@ std::optional<Problem> Examine(std::string const& path, DatabaseFile* file) {
   DatabaseFiles const files{path, "", ""};
   if (auto problem = OpenToLook(files)) return problem;
   Progress progress("examining " + path,
-                    static_cast<long long>(file->tables.size()), "table");
+                    static_cast<long long>(file->tables.size()), "tables");
   DBbase::SetSprache(kAllLanguages);
   std::optional<Problem> problem;
   long long done = 0;
@@ -76,11 +74,6 @@ std::optional<Problem> Examine(std::string const& path, DatabaseFile* file) {
 
 std::optional<Problem> ConvertFile(std::string const& path,
                                    std::string const& target) {
-  std::error_code error;
-  if (std::filesystem::exists(ToPath(target), error) &&
-      !LetsIn(target, Access::kReplace)) {
-    return WhyNotOpened(target, Access::kReplace);
-  }
   Progress const progress("writing " + target);
   zWString const name =
       zWString::fromUtf8(DatabaseFiles{path, "", ""}.DatabaseName());

@@ -72,6 +72,16 @@ Problem WhyNotRead(std::string const& file, Access access) {
   return {TW(112), file, "the file cannot be opened", "check its permissions"};
 }
 
+// The systems' limit for the name of a file; a save makes companions of the
+// database whose names have one character more.
+constexpr std::size_t kLongestName = 255 - 1;
+
+// True where the system says that nothing of that name can be.
+bool IsImpossible(fs::path const& path) {
+  std::error_code error;
+  return fs::status(path, error).type() == fs::file_type::none;
+}
+
 }  // namespace
 
 fs::path ToPath(std::string const& utf8) {
@@ -109,6 +119,23 @@ Problem WhyNotOpened(std::string const& file, Access access) {
   }
   return {TW(112), file, "the file could not be opened",
           "try again; another process may have held it for a moment"};
+}
+
+std::optional<Problem> WhyNotReplaced(std::string const& target) {
+  std::error_code error;
+  fs::path const path = ToPath(target);
+  fs::path const folder = path.parent_path();
+  if (path.filename().native().size() > kLongestName) {
+    return Problem{TW(115), target, "its name is too long",
+                   "use no more than 254 characters"};
+  }
+  bool const stands_in_the_way =
+      fs::exists(path, error)
+          ? !LetsIn(target, Access::kReplace)
+          : IsImpossible(path) ||
+                (!folder.empty() && !fs::is_directory(folder, error));
+  if (!stands_in_the_way) return std::nullopt;
+  return WhyNotOpened(target, Access::kReplace);
 }
 
 bool ReadWhole(fs::path const& path, std::string* content) {

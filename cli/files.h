@@ -31,6 +31,9 @@ Problem WhyNotOpened(std::string const& file, Access access);
 // it in that way.
 bool LetsIn(std::string const& file, Access access);
 
+// Why that database cannot be made or replaced.  Changes nothing.
+std::optional<Problem> WhyNotReplaced(std::string const& target);
+
 // Whole files.  False when reading or writing failed; a file that was written
 // in part is removed.
 [[nodiscard]] bool ReadWhole(std::filesystem::path const& path,

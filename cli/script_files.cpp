@@ -14,16 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The systems' limit for the name of a file; a save makes companions of the
-// database whose names have one character more.
-constexpr std::size_t kLongestName = 255 - 1;
-
-// True where the system says that nothing of that name can be.
-bool IsImpossible(fs::path const& path) {
-  std::error_code error;
-  return fs::status(path, error).type() == fs::file_type::none;
-}
-
 }  // namespace
 
 void AddFolderOption(Options& options, std::string* folder) {
@@ -40,23 +30,6 @@ std::optional<Problem> EnterFolder(std::string const& folder) {
   if (!error) return std::nullopt;
   return Problem{TW(130), folder, "this is no folder to work in",
                  "check the path behind -C"};
-}
-
-std::optional<Problem> WhyNotReplaced(std::string const& target) {
-  std::error_code error;
-  fs::path const path = ToPath(target);
-  fs::path const folder = path.parent_path();
-  if (path.filename().native().size() > kLongestName) {
-    return Problem{TW(115), target, "its name is too long",
-                   "use no more than 254 characters"};
-  }
-  bool const stands_in_the_way =
-      fs::exists(path, error)
-          ? !LetsIn(target, Access::kReplace)
-          : IsImpossible(path) ||
-                (!folder.empty() && !fs::is_directory(folder, error));
-  if (!stands_in_the_way) return std::nullopt;
-  return WhyNotOpened(target, Access::kReplace);
 }
 
 fs::path DataPath(std::string const& bytes) {

@@ -18,9 +18,6 @@ class Options;
 void AddFolderOption(Options& options, std::string* folder);
 std::optional<Problem> EnterFolder(std::string const& folder);
 
-// Why a script cannot make or replace that database.  Changes nothing.
-std::optional<Problem> WhyNotReplaced(std::string const& target);
-
 // The path of a data file by its bytes in the script.
 std::filesystem::path DataPath(std::string const& bytes);
 // Why a script cannot read that data file; the place is left out.

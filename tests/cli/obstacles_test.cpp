@@ -52,11 +52,10 @@ std::vector<WritingCommand> WritingCommands(bool replacing) {
   return commands;
 }
 
-class ToolObstacle : public ToolTest,
-                     public testing::WithParamInterface<WritingCommand> {
+class ObstacleTest : public ToolTest {
  protected:
   // Texts that are longer than every message.
-  ToolObstacle() {
+  ObstacleTest() {
     constexpr char kDefinition[] =
         "integer ID,integer FOLGE,integer STATUS,string NAME,real PRICE\n";
     std::string const text(1500, 'x');
@@ -82,14 +81,8 @@ class ToolObstacle : public ToolTest,
     EXPECT_EQ(0, run.exit_code) << run.err;
   }
 
-  ToolCall Call() const {
+  ToolCall CallOf(std::vector<std::string> const& words) const {
     std::string const temp = folder_.PathUtf8("temp");
-    std::vector<std::string> words = GetParam().arguments;
-    // import names its rows first.
-    if (words.front() == "import") {
-      words.insert(words.begin() + 1, words.back());
-      words.pop_back();
-    }
     return {words, "", {{"TMPDIR", temp}, {"TMP", temp}, {"TEMP", temp}}};
   }
 
@@ -110,6 +103,20 @@ class ToolObstacle : public ToolTest,
     EXPECT_NE(std::string::npos, run.err.find(": error[TW")) << run.err;
     EXPECT_EQ("", run.out);
     EXPECT_TRUE(before == Snapshot()) << Names();
+  }
+};
+
+class ToolObstacle : public ObstacleTest,
+                     public testing::WithParamInterface<WritingCommand> {
+ protected:
+  ToolCall Call() const {
+    std::vector<std::string> words = GetParam().arguments;
+    // import names its rows first.
+    if (words.front() == "import") {
+      words.insert(words.begin() + 1, words.back());
+      words.pop_back();
+    }
+    return CallOf(words);
   }
 };
 
@@ -153,17 +160,19 @@ TEST_P(ToolReplacement, ItsFolderIsNotThere) {
 
 #ifndef _WIN32
 
+// What is written beyond is refused, as where there is no room.
+void LimitFileSize(rlim_t bytes) {
+  rlimit const limit = {bytes, bytes};
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+  if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
+}
+
 TEST_P(ToolObstacle, TheDiskIsFull) {
   // A save that fails leaves there what it has written.
   TempFolder const temp;
   ToolCall call = Call();
   call.environment = {{"TMPDIR", temp.PathUtf8("")}};
-  call.prepare = [] {
-    // What is written beyond is refused, as where there is no room.
-    rlimit const limit = {1024, 1024};
-    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
-  };
+  call.prepare = [] { LimitFileSize(1024); };
   Fails(call, 3);
 }
 
@@ -206,19 +215,47 @@ INSTANTIATE_TEST_SUITE_P(Of, ToolObstacle,
 INSTANTIATE_TEST_SUITE_P(Of, ToolReplacement,
                          testing::ValuesIn(WritingCommands(true)), NameOf);
 
-#ifndef _WIN32
+// Of the commands that write files beside the database.
+using ToolCopy = ObstacleTest;
+
+TEST_F(ToolCopy, ConvertLeavesAFileAloneThatAnotherProcessWrites) {
+  DBDirectory writer;
+  writer.Initialize(zWString(), {folder_.Path("stock.db")});
+  ASSERT_TRUE(writer.OpenDBdatei(0, true, false));
+  Fails(CallOf({"convert", "stock.db", "--backup"}), 5);
+}
+
+// What was wrong: the backup was made before it was asked who has the file.
+TEST_F(ToolCopy, ConvertMakesNoBackupOfAFileThatAnotherProcessReads) {
+  DBDirectory reader;
+  reader.Initialize(zWString(), {folder_.Path("stock.db")});
+  ASSERT_TRUE(reader.OpenDBdatei(0, false, false));
+  Fails(CallOf({"convert", "stock.db", "--backup"}), 5);
+}
+
+TEST_F(ToolCopy, ConvertTellsOfATargetWithoutAFolder) {
+  Fails(CallOf({"convert", "stock.db", "-o", "none/b.db"}), 3);
+  Fails(CallOf({"convert", "stock.db", "-o", "none/b.db", "--dry-run"}), 3);
+}
+
+TEST_F(ToolCopy, ExportTellsOfAFileInPlaceOfItsFolder) {
+  folder_.Make("out", "a file");
+  Fails(CallOf({"export", "stock.db", "-d", "out"}), 3);
+}
+
+// What was wrong: the script was replaced before the data could not be.
+TEST_F(ToolCopy, ExportReplacesNothingWhenAFolderHasTheNameOfItsData) {
+  folder_.MakeFolder("out");
+  folder_.Make("out/stock.script", "old");
+  folder_.MakeFolder("out/stock.article.dat");
+  Fails(CallOf({"export", "stock.db", "-d", "out", "--force"}), 3);
+}
 
 using ToolPipe = ToolTest;
 
-// With standard output in a pipe that nobody reads any more.
 ToolCall WithoutReader(std::vector<std::string> const& arguments) {
   ToolCall call = {arguments, "", {}};
-  call.prepare = [] {
-    int ends[2] = {};
-    if (pipe(ends) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) _exit(127);
-    close(ends[0]);
-    close(ends[1]);
-  };
+  call.without_reader = true;
   return call;
 }
 
@@ -244,8 +281,6 @@ TEST_F(ToolPipe, EndsQuietlyWhenNobodyReads) {
   EXPECT_EQ(1,
             RunWith(WithoutReader({"diff", "geo.db", "stock.db"})).exit_code);
 }
-
-#endif
 
 }  // namespace
 }  // namespace tabwerk::test

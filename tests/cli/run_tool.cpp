@@ -80,6 +80,16 @@ HANDLE OpenInheritable(std::wstring const& path, bool for_writing) {
                      FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+// The end that a pipe is written to; the other one is closed.
+HANDLE PipeWithoutReader() {
+  SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+  HANDLE reader = nullptr;
+  HANDLE writer = nullptr;
+  EXPECT_TRUE(CreatePipe(&reader, &writer, &inherited, 0));
+  CloseHandle(reader);
+  return writer;
+}
+
 }  // namespace
 
 ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
@@ -95,7 +105,10 @@ ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
   start.hStdInput = OpenInheritable(streams.Path("in").toStdWString(), false);
-  start.hStdOutput = OpenInheritable(streams.Path("out").toStdWString(), true);
+  start.hStdOutput =
+      call.without_reader
+          ? PipeWithoutReader()
+          : OpenInheritable(streams.Path("out").toStdWString(), true);
   start.hStdError = OpenInheritable(streams.Path("err").toStdWString(), true);
   PROCESS_INFORMATION made = {};
   ToolRun run;
@@ -117,7 +130,7 @@ ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
        {start.hStdInput, start.hStdOutput, start.hStdError}) {
     CloseHandle(handle);
   }
-  run.out = streams.Content("out");
+  if (!call.without_reader) run.out = streams.Content("out");
   run.err = streams.Content("err");
   return run;
 }
@@ -152,6 +165,13 @@ void Redirect(std::string const& path, int flags, int target) {
   close(file);
 }
 
+void RedirectToPipeWithoutReader(int target) {
+  int ends[2] = {};
+  if (pipe(ends) != 0 || dup2(ends[1], target) < 0) _exit(127);
+  close(ends[0]);
+  close(ends[1]);
+}
+
 int WaitFor(pid_t process) {
   int status = 0;
   EXPECT_TRUE(process >= 0 && waitpid(process, &status, 0) == process);
@@ -170,14 +190,20 @@ ToolRun RunInto(char const* output, std::filesystem::path const& folder,
   pid_t const process = fork();
   if (process == 0) {
     Redirect(streams.PathUtf8("in"), O_RDONLY, STDIN_FILENO);
-    Redirect(output != nullptr ? output : streams.PathUtf8("out"),
-             O_WRONLY | O_CREAT, STDOUT_FILENO);
+    if (call.without_reader) {
+      RedirectToPipeWithoutReader(STDOUT_FILENO);
+    } else {
+      Redirect(output != nullptr ? output : streams.PathUtf8("out"),
+               O_WRONLY | O_CREAT, STDOUT_FILENO);
+    }
     Redirect(streams.PathUtf8("err"), O_WRONLY | O_CREAT, STDERR_FILENO);
     BecomeTool(folder, call);
   }
   ToolRun run;
   run.exit_code = WaitFor(process);
-  if (output == nullptr) run.out = streams.Content("out");
+  if (output == nullptr && !call.without_reader) {
+    run.out = streams.Content("out");
+  }
   run.err = streams.Content("err");
   return run;
 }

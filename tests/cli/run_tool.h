@@ -22,6 +22,8 @@ struct ToolCall {
   // Variables beside those of the test; an empty value stands for "not set".
   // NO_COLOR and TERM never come from the test.
   std::vector<std::pair<std::string, std::string>> environment;
+  // Standard output is a pipe that nobody reads any more.
+  bool without_reader = false;
 #ifndef _WIN32
   // Called in the new process, when its streams are set, before the tool.
   void (*prepare)() = nullptr;
