@@ -11,14 +11,14 @@
 
 #include "fuzz/fuzz_support.h"
 #include "table/pattern.h"
-#include "table/pattern_units.h"
+#include "tests/support/standard_regex.h"
 
 namespace {
 
 namespace codes = std::regex_constants;
 using tabwerk::Pattern;
-using tabwerk::WidenUnits;
 using tabwerk::fuzz::Require;
+using tabwerk::test::StandardRegex;
 
 // As far as the standard library judges: it takes stack and time for each unit.
 constexpr std::size_t kMostJudgedPattern = 60;
@@ -33,17 +33,6 @@ std::u16string Units(std::span<std::uint8_t const> bytes) {
                             : static_cast<char16_t>(byte);
   }
   return units;
-}
-
-std::optional<codes::error_type> Refusal(std::wstring const& pattern,
-                                         std::wregex* judge) {
-  try {
-    judge->assign(pattern, codes::ECMAScript | codes::__polynomial);
-    return std::nullopt;
-  } catch (std::regex_error const& error) {
-    bool const too_large = error.code() == codes::error_space;
-    return too_large ? codes::error_complexity : error.code();
-  }
 }
 
 // Inside of a lookahead the standard library takes its start for the start of
@@ -80,10 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
   auto const expression = Units({data + 1, length});
   auto const text = Units({data + 1 + length, size - 1 - length});
 
-  std::wregex judge;
   bool const judged = expression.size() <= kMostJudgedPattern;
   auto const refusal =
-      judged ? Refusal(WidenUnits(expression), &judge) : std::nullopt;
+      judged ? StandardRegex::Refusal(expression) : std::nullopt;
   try {
     Pattern pattern(expression);
     Require(!refusal, "what the standard library refuses is refused");
@@ -91,8 +79,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
     Require(pattern.Matches(text) == matches, "a pattern can be used again");
     if (judged && text.size() <= kMostJudgedText &&
         !LooksBackAhead(expression) && !HasManyCopies(expression)) {
-      Require(std::regex_match(WidenUnits(text), judge) == matches,
-              "the standard library agrees");
+      StandardRegex const judge(expression, StandardRegex::Way::kAutomaton);
+      Require(judge.Matches(text) == matches, "the standard library agrees");
     }
   } catch (std::regex_error const& error) {
     bool const bounded = error.code() == codes::error_complexity ||

@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <regex>
 #include <sstream>
+
+#include "tests/support/standard_regex.h"
 
 namespace tabwerk::test::model {
 namespace {
@@ -35,11 +36,6 @@ std::string Narrow(std::u16string const& text) {
     narrow += unit < 0x80 ? static_cast<char>(unit) : '?';
   }
   return narrow;
-}
-
-// One wide character for every unit.
-std::wstring Widen(std::u16string const& text) {
-  return std::wstring(text.begin(), text.end());
 }
 
 std::vector<std::u16string> Split(std::u16string const& text,
@@ -384,15 +380,12 @@ std::vector<std::int64_t> Table::FindRows(std::string const& column,
                                           bool ids) {
   std::vector<std::int64_t> found;
   auto const remembered = Remembered(column);
-  std::wregex const expression(Widen(pattern));
+  StandardRegex const expression(pattern);
   if (SelectColumn(column) == 1) {
     for (std::int64_t i = 0; i < RowCount(); ++i) {
       std::u16string value;
       if (SelectRow(i) == 0 || GetText(&value) == 0) continue;
-      if (!std::regex_match(Widen(value), expression,
-                            std::regex_constants::match_any)) {
-        continue;
-      }
+      if (!expression.Matches(value)) continue;
       if (!ids) {
         found.push_back(i);
         continue;

@@ -4,14 +4,13 @@
 #define TABWERK_TESTS_SUPPORT_PLAIN_TABLE_SEARCH_H
 
 #include <cstdint>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "DBTabelle.h"
 #include "platform/numbers.h"
-#include "table/pattern_units.h"
 #include "table/table_access.h"
+#include "tests/support/standard_regex.h"
 
 namespace tabwerk::test::plain {
 
@@ -105,12 +104,12 @@ inline std::vector<long> FindRows(DBTabelle& table, char const* column,
                                   zWString const& pattern, bool ids) {
   std::vector<long> found;
   std::string const remembered = Remembered(table, column);
-  std::wregex const expression(WidenUnits(pattern.view()));
+  StandardRegex const expression(pattern.view());
   if (table.SelectColumn(column) == 1) {
     for (long i = 0; i < table.GetAnzahlZeilen(); ++i) {
       zWString value;
       if (table.SelectZeile(i) == 0 || table.GetWert(value) == 0) continue;
-      if (!std::regex_match(WidenUnits(value.view()), expression)) continue;
+      if (!expression.Matches(value.view())) continue;
       if (!ids) {
         found.push_back(i);
         continue;

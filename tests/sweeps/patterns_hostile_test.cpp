@@ -9,9 +9,9 @@
 
 #include "DBTabelle.h"
 #include "schema/bytes.h"
-#include "table/pattern_units.h"
 #include "tests/support/memory_meter.h"
 #include "tests/support/small_stack.h"
+#include "tests/support/standard_regex.h"
 #include "tests/support/sweep.h"
 #include "tests/support/table_builder.h"
 #include "tests/sweeps/case_watch.h"
@@ -231,7 +231,7 @@ TEST_F(SweepPatternsHostile, AnswerInTimeOnASmallStack) {
 
 bool Compiles(std::u16string const& pattern) {
   try {
-    std::wregex const compiled(WidenUnits(pattern));
+    StandardRegex const compiled(pattern);
     return true;
   } catch (std::regex_error const&) {
     return false;

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "table/pattern.h"
-#include "table/pattern_units.h"
+#include "tests/support/standard_regex.h"
 #include "tests/support/sweep.h"
 #include "tests/support/table_builder.h"
 #include "tests/sweeps/case_watch.h"
@@ -39,12 +39,8 @@ std::string OfMatcher(std::u16string const& pattern,
 
 std::string OfStandard(std::u16string const& pattern,
                        std::u16string const& text) {
-  // Without back-tracking: else a short pattern may take it for ever, or all
-  // of the stack.
-  constexpr auto kFlags = codes::ECMAScript | codes::__polynomial;
   return Answered([&] {
-    std::wregex const expression(WidenUnits(pattern), kFlags);
-    return std::regex_match(WidenUnits(text), expression);
+    return StandardRegex(pattern, StandardRegex::Way::kAutomaton).Matches(text);
   });
 }
 

@@ -9,14 +9,14 @@
 #include <regex>
 #include <string>
 
-#include "table/pattern_units.h"
 #include "tests/support/random_table.h"
+#include "tests/support/standard_regex.h"
 
 namespace {
 
 using tabwerk::Pattern;
-using tabwerk::WidenUnits;
 using tabwerk::test::Random;
+using tabwerk::test::StandardRegex;
 namespace codes = std::regex_constants;
 
 bool Matches(std::u16string_view expression, std::u16string_view text) {
@@ -89,10 +89,10 @@ TEST(Pattern, ClassesAndBracketsAreTheStandardLibrarys) {
 
 // What a regular expression of the standard library says of that text; nothing
 // when it refuses the expression.
-std::optional<bool> StandardMatch(std::wstring const& expression,
-                                  std::wstring const& text) {
+std::optional<bool> StandardMatch(std::u16string_view expression,
+                                  std::u16string_view text) {
   try {
-    return std::regex_match(text, std::wregex(expression));
+    return StandardRegex(expression).Matches(text);
   } catch (std::regex_error const&) {
     return std::nullopt;
   }
@@ -103,9 +103,7 @@ TEST(Pattern, WhatABackslashMakesOfAUnitIsTheStandardLibrarys) {
     if (unit >= u'1' && unit <= u'9') continue;  // what a group matched
     std::u16string const expression = {u'\\', unit};
     std::u16string const text(1, unit);
-    auto const expected =
-        StandardMatch({L'\\', static_cast<wchar_t>(unit)},
-                      std::wstring(1, static_cast<wchar_t>(unit)));
+    auto const expected = StandardMatch(expression, text);
     EXPECT_EQ(!expected, ErrorOf(expression).has_value()) << int{unit};
     if (expected) {
       EXPECT_EQ(*expected, Matches(expression, text)) << int{unit};
@@ -168,7 +166,8 @@ TEST(Pattern, LongMalformedExpressionsAreErrorsToo) {
   for (char16_t const* const wrong :
        {u"(a", u"a)", u"[a", u"[z-a]", u"a\\", u"a{x}", u"a{2", u"a{3,2}",
         u"a{2,", u"\\x4", u"[[:nosuch:]]", u"[[:x]", u"(?<a)", u"|*", u"\\1"}) {
-    EXPECT_NE(std::nullopt, ErrorOf(start + wrong)) << WidenUnits(wrong).size();
+    EXPECT_NE(std::nullopt, ErrorOf(start + wrong))
+        << std::u16string_view(wrong).size();
   }
 }
 
@@ -232,15 +231,14 @@ TEST(PatternRandom, EqualsTheStandardLibraryOnRandomExpressions) {
     auto const expression =
         RandomExpression(random, random.Between(0, 4), false);
     Pattern pattern(expression);
-    // Without back-tracking, which would take years for some of these.
-    std::wregex const judge(WidenUnits(expression),
-                            codes::ECMAScript | codes::__polynomial);
+    // Back-tracking would take years for some of these.
+    StandardRegex const judge(expression, StandardRegex::Way::kAutomaton);
     for (int i = 0; i < 12; ++i) {
       auto const text = RandomText(random);
       SCOPED_TRACE("seed " + std::to_string(seed) + " " +
                    zWString(expression).toUtf8() + " on '" +
                    zWString(text).toUtf8() + "'");
-      bool const expected = std::regex_match(WidenUnits(text), judge);
+      bool const expected = judge.Matches(text);
       ASSERT_EQ(expected, pattern.Matches(text));
       ASSERT_EQ(expected, pattern.MatchesBySteps(text));
       // Stored texts have others behind them.
@@ -248,17 +246,6 @@ TEST(PatternRandom, EqualsTheStandardLibraryOnRandomExpressions) {
           pattern.MatchesStored(text + std::u16string(u"\0ab", 3));
       ASSERT_EQ(expected, stored.value_or(expected));
     }
-  }
-}
-
-std::optional<codes::error_type> JudgedError(std::u16string_view expression) {
-  try {
-    std::wregex const judge(WidenUnits(expression),
-                            codes::ECMAScript | codes::__polynomial);
-    return std::nullopt;
-  } catch (std::regex_error const& error) {
-    bool const too_large = error.code() == codes::error_space;
-    return too_large ? codes::error_complexity : error.code();
   }
 }
 
@@ -271,7 +258,7 @@ TEST(PatternRandom, AcceptsWhatTheStandardLibraryAccepts) {
       expression +=
           kUnits[random.Between(0, static_cast<int>(std::size(kUnits)) - 2)];
     }
-    auto const judged = JudgedError(expression);
+    auto const judged = StandardRegex::Refusal(expression);
     ASSERT_EQ(judged, ErrorOf(expression))
         << "seed " << seed << " " << zWString(expression).toUtf8();
     // Of long expressions the parser alone is the judge.
