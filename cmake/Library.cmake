@@ -21,6 +21,13 @@ set(tabwerk_seam_streams "${PROJECT_SOURCE_DIR}/platform/seam_streams.cpp")
 list(REMOVE_ITEM tabwerk_sources
   "${tabwerk_seam_files}" "${tabwerk_seam_streams}")
 
+# What the fuzz targets are to find their way through.
+function(tabwerk_guide_fuzzing target)
+  if(TABWERK_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()
+
 function(tabwerk_add_objects name)
   add_library(${name} OBJECT ${ARGN})
   target_link_libraries(${name} PRIVATE tabwerk_settings)
@@ -28,6 +35,7 @@ function(tabwerk_add_objects name)
     "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_compile_definitions(${name} PRIVATE TABWERK_BUILDING)
   target_compile_options(${name} PRIVATE ${TABWERK_LIBRARY_OPTIONS})
+  tabwerk_guide_fuzzing(${name})
   set_target_properties(${name} PROPERTIES
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden
@@ -35,6 +43,7 @@ function(tabwerk_add_objects name)
 endfunction()
 
 tabwerk_add_objects(tabwerk_objects ${tabwerk_sources})
+tabwerk_precompile(tabwerk_objects)
 tabwerk_add_objects(tabwerk_seam_files "${tabwerk_seam_files}")
 tabwerk_add_objects(tabwerk_seam_streams "${tabwerk_seam_streams}")
 
