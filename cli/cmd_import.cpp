@@ -1,7 +1,9 @@
 // tabwerk import: rows from a text file to the end of a user file's table.
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "DBbase.h"
@@ -9,6 +11,7 @@
 #include "cli/files.h"
 #include "cli/import_source.h"
 #include "cli/named_rows.h"
+#include "cli/out_file.h"
 #include "cli/session.h"
 #include "cli/settings.h"
 #include "cli/text.h"
@@ -79,6 +82,7 @@ class ImportCommand : public Command {
     NewUserFile user_file(target.files());
     auto const problem = Import(target.files(), user_file);
     if (problem) return Report(target.InUsersNames(*problem));
+    if (source_->AcceptedCount() == 0) target.DropBackup();
     bool const made = user_file.WasMade() && source_->AcceptedCount() > 0;
     Summarise(made, target.Ending());
     // The manager lets go of copies before they are removed.
@@ -122,16 +126,27 @@ class ImportCommand : public Command {
     if (auto problem = CheckUserPart(files, table_, *table)) return problem;
     if (auto problem = source_->Sort(*table)) return problem;
     if (source_->RejectedCount() > 0 && !write_.dry_run) {
-      if (!WriteWhole(ToPath(RejectedFile()), source_->RejectedBytes())) {
-        return Problem{TW(117), RejectedFile(),
-                       "the rejected lines cannot be set aside",
-                       "nothing was imported; check the folder of the input"};
-      }
+      if (auto problem = SetAside()) return problem;
     }
     if (source_->AcceptedCount() == 0) return std::nullopt;
     if (auto problem = AppendRows(files, *table)) return problem;
     user_file.Keep();
     return std::nullopt;
+  }
+
+  // The rejected rows, in a file of their own; nothing is imported yet.
+  std::optional<Problem> SetAside() const {
+    std::error_code error;  // where one of them is not there
+    if (std::filesystem::equivalent(ToPath(RejectedFile()), ToPath(rows_file_),
+                                    error)) {
+      return Problem{TW(108), RejectedFile(),
+                     "the rejected rows do not replace the input",
+                     "name another file behind --rejected"};
+    }
+    OutFile file(RejectedFile());
+    if (auto problem = file.Open()) return problem;
+    file.Write(source_->RejectedBytes());
+    return file.Close();
   }
 
   std::optional<Problem> AppendRows(DatabaseFiles const& files,

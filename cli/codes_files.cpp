@@ -38,10 +38,9 @@ constexpr CodeEntry kCodes[] = {
      "A column that is asked for is not among those of the output. "
      "Capital and small letters differ.",
      "tabwerk show stock.db -t ARTICLE --columns ID,NAME"},
-    {108, "output-is-data", "The output would replace a database",
-     ExitCode::kUsage,
-     "The file behind -o is a database or an index file. Output never "
-     "takes the place of one.",
+    {108, "output-is-data", "The output would replace data", ExitCode::kUsage,
+     "The file behind -o or --rejected is a database, an index file or the "
+     "input. Output never takes the place of one.",
      "tabwerk show stock.db -t ARTICLE -o article.txt"},
     {109, "no-such-code", "There is no such number", ExitCode::kUsage,
      "The numbers are those that stand in brackets in messages.",

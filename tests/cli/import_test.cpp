@@ -143,6 +143,33 @@ TEST_F(ToolImport, ChangesNothingWhenAllLinesAreRejected) {
       folder_.Names());
 }
 
+// What was wrong: copies of what had not been changed stayed.
+TEST_F(ToolImport, KeepsNoBackupWhenAllLinesAreRejected) {
+  MakeStock();
+  MakeUnits("rows.txt", "one;two\n");
+  auto const run = Run({"import", "rows.txt", "stock.db", "STOCK.UDB", "-t",
+                        "ARTICLE", "--backup"});
+  EXPECT_EQ(6, run.exit_code);
+  EXPECT_EQ((std::vector<std::string>{"STOCK.UDB", "STOCK.idx", "rows.txt",
+                                      "rows.txt.rejected", "stock.db"}),
+            folder_.Names());
+}
+
+// What was wrong: it wrote over them.
+TEST_F(ToolImport, SetsRejectedLinesAsideInNoDatabaseAndNotInItsInput) {
+  MakeStock();
+  MakeUnits("rows.txt", "one;two\n0;0;0;Rivet;0.1\n");
+  for (std::string const file : {"stock.db", "STOCK.UDB", "rows.txt"}) {
+    std::string const before = folder_.Content(file);
+    auto const run = Run({"import", "rows.txt", "stock.db", "STOCK.UDB", "-t",
+                          "ARTICLE", "--rejected", file});
+    EXPECT_EQ(before, folder_.Content(file)) << file;
+    EXPECT_NE(std::string::npos, run.err.find(file + ": error[TW108]: "))
+        << run.err;
+    EXPECT_EQ(2, run.exit_code) << file;
+  }
+}
+
 TEST_F(ToolImport, NamesTheIndexFileAfterTheDatabase) {
   MakeMainFile();
   MakeUnits("rows.txt", "0;0;0;Rivet;0.1\n");
