@@ -14,7 +14,6 @@
 #include "schema/directory_access.h"
 
 using tabwerk::Catalogue;
-using tabwerk::DirectoryAccess;
 using tabwerk::Guarded;
 using tabwerk::ManagerAccess;
 

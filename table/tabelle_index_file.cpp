@@ -25,7 +25,6 @@ using tabwerk::SectionSource;
 using tabwerk::SectionValues;
 using tabwerk::StreamSource;
 using tabwerk::TableAccess;
-using tabwerk::ValueWriter;
 namespace platform = tabwerk::platform;
 
 namespace {
