@@ -85,7 +85,8 @@ build_and_test() {
   configure "$1" || return 1
   logged "$1-build" cmake --build "$root/$1" -j "$jobs" -- -k 0 --quiet || return 1
   local result=0
-  ctest --test-dir "$root/$1" -j "$jobs" --no-tests=error --timeout 300 \
+  # One more than there are processors, as some tests wait for something.
+  ctest --test-dir "$root/$1" -j $((jobs + 1)) --no-tests=error --timeout 600 \
     >"$root/logs/$1-test.log" 2>&1 || result=1
   if [ $result -ne 0 ]; then
     grep -v -E '^ *([0-9]+/[0-9]+ Test|Start) .*(Passed|[^.]*$)' \

@@ -36,7 +36,9 @@ std::string ReadProjectFile(std::string const& name) {
 // lists.
 class ToolCommands : public ToolTest {
  protected:
-  ToolCommands() {
+  // Asked once.
+  static void SetUpTestSuite() {
+    TempFolder const folder;
     for (auto const& entry :
          std::filesystem::directory_iterator(ProjectPath("cli"))) {
       std::string const file = entry.path().filename().string();
@@ -44,7 +46,8 @@ class ToolCommands : public ToolTest {
       if (!std::regex_match(file, match, std::regex("cmd_([a-z]+)\\.cpp"))) {
         continue;
       }
-      std::string const help = Run({match[1], "--help"}).out;
+      std::string const help =
+          RunTool(folder.folder(), {match[1], "--help"}).out;
       options_[match[1]] = Matches(help, "(--[a-z-]+)");
       helps_[match[1]] = help;
     }
@@ -86,7 +89,7 @@ class ToolCommands : public ToolTest {
   }
 
   // Words of the table that the text lacks.
-  std::string Missing(std::string const& text) const {
+  static std::string Missing(std::string const& text) {
     std::string missing;
     for (auto const& [command, options] : options_) {
       if (text.find(command) == text.npos) missing += command + " ";
@@ -97,8 +100,8 @@ class ToolCommands : public ToolTest {
     return missing;
   }
 
-  std::map<std::string, Words> options_;
-  std::map<std::string, std::string> helps_;
+  static inline std::map<std::string, Words> options_;
+  static inline std::map<std::string, std::string> helps_;
 };
 
 TEST_F(ToolCommands, EachHasAFileAndHelp) {
