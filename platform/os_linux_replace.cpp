@@ -21,7 +21,6 @@ namespace {
 constexpr std::chrono::milliseconds kPatience{2000};
 constexpr int kPauseMilliseconds = 20;
 constexpr std::size_t kChunkBytes = 65536;
-constexpr std::size_t kMostAtOnce = std::size_t{1} << 30U;
 
 bool WriteAll(int file, char const* bytes, std::size_t size) {
   while (size > 0) {
@@ -39,10 +38,6 @@ bool WriteAll(int file, char const* bytes, std::size_t size) {
 }
 
 Error CopyContent(int from, int to) {
-  // As far as the system does it alone, without the bytes coming here.  Not
-  // examined: where it does not, what is left is copied below.
-  while (copy_file_range(from, nullptr, to, nullptr, kMostAtOnce, 0) > 0) {
-  }
   std::array<char, kChunkBytes> chunk;
   for (;;) {
     ssize_t const got = read(from, chunk.data(), chunk.size());

@@ -66,6 +66,12 @@ TEST_F(ManagerOpen, UnknownNameReadsTheCurrentDatabaseAgain) {
   EXPECT_EQ(kAll, Rows("ARTIKEL"));
 }
 
+TEST_F(ManagerOpen, APathOfFewUnitsIsNoUserFile) {
+  DBbase::Init({W("STOCK")}, {{W("a")}});
+  EXPECT_EQ(0, Manager()->Open(W("STOCK"), true, false));
+  EXPECT_FALSE(std::filesystem::exists("a"));
+}
+
 TEST_F(ManagerOpen, WithoutMemoryForAPathOpensNoUserFileToReadOnly) {
   auto const stock = W("STOCK");
   bool fired = true;

@@ -40,6 +40,19 @@ TEST_F(ManagerWrite, UserRowsAreThereAfterwards) {
   EXPECT_EQ("MAIN.db STOCK.idx USER.UDB", Files());
 }
 
+// More than is on its way to the disk at a time.
+TEST_F(ManagerWrite, EveryByteOfALargeFileSurvives) {
+  std::string const text(8000, 'x');
+  for (long i = 0; i < 600; ++i) {
+    AddArticle(Table("ARTIKEL"), 20001 + i, 4 + i, text + std::to_string(i));
+  }
+  auto const rows = Rows("ARTIKEL");
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_LT(std::uintmax_t{8} << 20U,
+            fs::file_size(fs::path(Path("USER.UDB"))));
+  EXPECT_TRUE(rows == Rows("ARTIKEL"));
+}
+
 TEST_F(ManagerWrite, EveryTextSurvives) {
   auto* const table = Table("ARTIKEL");
   for (auto const* text : {"", "x", "Größe", "中文", "😀", "\"quoted\", a;b"}) {

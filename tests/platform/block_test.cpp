@@ -145,6 +145,17 @@ TEST_F(MemoryBlock, OfNothingIsOneByteOfTheSystems) {
   platform::os::Free(block);
 }
 
+TEST_F(MemoryBlock, OfManyBytesCanBeWrittenFromFirstToLast) {
+  constexpr std::size_t kSize = (std::size_t{40} << 20U) + 1;
+  auto* const bytes = static_cast<char*>(platform::os::Allocate(kSize));
+  ASSERT_NE(nullptr, bytes);
+  bytes[0] = 'a';
+  bytes[kSize - 1] = 'z';
+  EXPECT_EQ('a', bytes[0]);
+  EXPECT_EQ('z', bytes[kSize - 1]);
+  platform::os::Free(bytes);
+}
+
 TEST(Guarded, ExhaustedMemoryIsAFailure) {
   EXPECT_EQ(7, Guarded(0, [] { return 7; }));
   EXPECT_EQ(-1, Guarded(-1, []() -> int { throw std::bad_alloc(); }));

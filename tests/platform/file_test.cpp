@@ -223,6 +223,31 @@ TEST_F(PlatformFile, ExistsTakesNoPatterns) {
   EXPECT_FALSE(platform::Exists(folder_.Path("?")));
 }
 
+TEST_F(PlatformFile, CopiesWhatIsLargerThanOnePiece) {
+  std::string content;
+  for (int i = 0; i < 50000; ++i) content += std::to_string(i);
+  zWString const from = folder_.Make("a", content);
+  EXPECT_EQ(Error::kNone, platform::Copy(from, folder_.Path("b")));
+  EXPECT_TRUE(content == folder_.Content("b"));
+}
+
+TEST_F(PlatformFile, ABegunSyncChangesNothing) {
+  std::string const content(20000, 'x');
+  folder_.Make("a", content);
+  auto error = Error::kNone;
+  FILE* const stream =
+      platform::OpenFile(folder_.Path("a"), platform::Mode::kUpdate,
+                         platform::Share::kDenyNone, &error);
+  ASSERT_NE(nullptr, stream);
+  platform::BeginSync(stream, 100, 12000);
+  platform::BeginSync(stream, 100, 10);  // no whole page
+  platform::BeginSync(stream, 90000, 8192);
+  EXPECT_EQ(0, platform::Tell(stream));
+  EXPECT_TRUE(platform::Sync(stream));
+  EXPECT_TRUE(platform::Close(stream));
+  EXPECT_TRUE(content == folder_.Content("a"));
+}
+
 TEST_F(PlatformFile, CopyNeverOverwrites) {
   zWString const from = folder_.Make("a", "content");
   EXPECT_EQ(Error::kNone, platform::Copy(from, folder_.Path("b")));
