@@ -153,10 +153,7 @@ class ExportCommand : public Command {
       outputs.push_back(std::make_unique<OutFile>(InFolder(file->name)));
       if (auto problem = outputs.back()->Open()) return problem;
       outputs.back()->Write(file->content);
-      if (outputs.back()->Flush()) continue;
-      return Problem{TW(117), InFolder(file->name),
-                     "the file cannot be written",
-                     "check its folder and the space on the disk"};
+      if (auto problem = outputs.back()->Flush()) return problem;
     }
     for (auto const& output : outputs) {
       if (auto problem = output->Close()) return problem;

@@ -54,7 +54,7 @@ std::optional<Problem> OutFile::Open() {
   }
   if (fs::is_regular_file(status) && IsData(path_)) {
     return Problem{TW(108), path_, "output does not replace a database",
-                   "name another file behind -o"};
+                   "name another file for the output"};
   }
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     stream_.open(target_, std::ios::binary);
@@ -91,10 +91,11 @@ bool OutFile::Failed() const {
   return IsStandardOutput() ? console::OutFailed() : stream_.fail();
 }
 
-bool OutFile::Flush() {
-  if (IsStandardOutput()) return console::FlushOut();
+std::optional<Problem> OutFile::Flush() {
+  if (IsStandardOutput()) return std::nullopt;  // looked at when all is done
   stream_.flush();
-  return !stream_.fail();
+  if (stream_.fail()) return NotWritten();
+  return std::nullopt;
 }
 
 std::optional<Problem> OutFile::Close() {

@@ -30,8 +30,8 @@ class OutFile {
   void Write(std::string_view text);
   // True when what is written from now on is lost.
   bool Failed() const;
-  // Hands all to the system; false when some of it was lost.
-  [[nodiscard]] bool Flush();
+  // Hands all to the system; a problem when some of it was lost.
+  std::optional<Problem> Flush();
   std::optional<Problem> Close();
 
   bool IsTerminal() const;

@@ -143,9 +143,10 @@ TEST_F(ToolOutput, FileNeverReplacesADatabase) {
   for (char const* const file : {"stock.db", "STOCK.UDB", "STOCK.idx"}) {
     auto const run =
         RunToLook({"show", "stock.db", "-t", "ARTICLE", "-o", file});
-    EXPECT_EQ(file + std::string(": error[TW108]: output does not replace a "
-                                 "database; name another file behind -o\n"),
-              run.err);
+    EXPECT_EQ(
+        file + std::string(": error[TW108]: output does not replace a "
+                           "database; name another file for the output\n"),
+        run.err);
     EXPECT_EQ(2, run.exit_code);
   }
 }
