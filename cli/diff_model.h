@@ -62,8 +62,6 @@ struct ChangeCounts {
   std::int64_t changed = 0;
   std::int64_t removed = 0;
   std::int64_t added = 0;
-
-  bool IsEqual() const { return changed + removed + added == 0; }
 };
 
 // Takes the differences as they are found: for each table that differs

@@ -32,8 +32,6 @@ class FindingsOut {
   std::optional<Problem> Begin();
   // With -q only errors are handed out; all are counted.
   void Add(Severity severity, Problem const& problem);
-  long long ErrorCount() const { return error_count_; }
-  long long WarningCount() const { return warning_count_; }
   // Ends the output; for messages a line that counts them.  kFindings when
   // there were errors or warnings, else kDone; a failure of the output is
   // reported.

@@ -1,5 +1,4 @@
 // tabwerk info: verdict, languages and the form for programs.
-#include <chrono>
 
 #include "tests/cli/json.h"
 #include "tests/cli/tool_test.h"

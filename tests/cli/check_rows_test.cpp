@@ -1,5 +1,4 @@
 // Each rule for IDs, order, status and index with files that break it.
-#include <fstream>
 
 #include "tests/cli/check_fixture.h"
 

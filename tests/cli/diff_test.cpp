@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <map>
 #include <random>
-#include <sstream>
 
 #include "cli/diff_values.h"
 #include "tests/cli/expected.h"

@@ -1,5 +1,4 @@
 // tabwerk info.
-#include <chrono>
 
 #include "DBDirectory.h"
 #include "tests/cli/tool_test.h"

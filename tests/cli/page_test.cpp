@@ -9,7 +9,6 @@
 // expected.h are.
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 #include "tests/cli/expected.h"
 #include "tests/cli/tool_test.h"
