@@ -12,10 +12,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr auto kError = Severity::kError;
-constexpr auto kWarning = Severity::kWarning;
-constexpr char kRestore[] = "restore the file from a backup";
-constexpr char kSaveAnew[] = "save it anew with the program that uses it";
+using enum Severity;
 
 // A number of a record with its place in it.
 struct RecordNumber {

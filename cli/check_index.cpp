@@ -7,6 +7,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "cli/check_rows.h"
 #include "cli/files.h"
 #include "cli/text.h"
 #include "schema/bytes.h"
@@ -16,11 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr auto kError = Severity::kError;
-constexpr auto kWarning = Severity::kWarning;
-constexpr auto kNote = Severity::kNote;
+using enum Severity;
 constexpr std::size_t kNumber = sizeof(std::int32_t);
-constexpr std::int32_t kLastStatus = 2;
 
 // An index that does not fit counts as missing.
 constexpr char kLost[] =

@@ -8,11 +8,6 @@
 namespace tabwerk::tool {
 namespace {
 
-Cell TextCell(std::string const& text) {
-  if (text.empty()) return {};
-  return text;
-}
-
 template <typename T>
 Cell NumberCell(std::optional<T> const& number) {
   if (!number) return {};

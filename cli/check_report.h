@@ -14,6 +14,11 @@
 
 namespace tabwerk::tool {
 
+// What to do, where several rules advise the same.
+inline constexpr char kRestore[] = "restore the file from a backup";
+inline constexpr char kSaveAnew[] =
+    "save it anew with the program that uses it";
+
 // Where a finding is.  What is not known is left out.
 struct CheckPlace {
   std::string file;

@@ -12,11 +12,9 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr auto kWarning = Severity::kWarning;
-constexpr auto kNote = Severity::kNote;
+using enum Severity;
 
 constexpr std::int32_t kFirstUserId = 20000;
-constexpr std::int32_t kLastStatus = 2;
 
 void CheckSystemColumns(TableImage const& table, CheckReport& report) {
   for (char const* const name : {"ID", "FOLGE", "STATUS"}) {

@@ -8,6 +8,9 @@
 
 namespace tabwerk::tool {
 
+// Of those that a row can have, from 0.
+inline constexpr std::int32_t kLastStatus = 2;
+
 // As the rows stand in the files.
 void CheckRows(TableImage const& table, CheckReport& report);
 

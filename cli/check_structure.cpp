@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "cli/files.h"
+#include "cli/health_card.h"
 #include "cli/text.h"
 #include "schema/format.h"
 #include "schema/layout.h"
@@ -15,10 +16,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr auto kError = Severity::kError;
-constexpr auto kWarning = Severity::kWarning;
-constexpr char kRestore[] = "restore the file from a backup";
-constexpr char kSaveAnew[] = "save it anew with the program that uses it";
+using enum Severity;
 
 // --- Header ------------------------------------------------------------------
 
@@ -42,9 +40,6 @@ void CheckVersion(FileImage const& image, CheckReport& report) {
                        : "the format version is no number of four digits",
              "check with a newer tool, or restore the file from a backup");
 }
-
-// Years that a four-digit date can show.
-constexpr std::int64_t kEndOfDates = 253402300800;
 
 void CheckTime(FileImage const& image, CheckReport& report) {
   if (image.header_bytes < static_cast<std::int64_t>(format::kHeaderSize)) {

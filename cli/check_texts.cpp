@@ -16,9 +16,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr auto kError = Severity::kError;
-constexpr auto kWarning = Severity::kWarning;
-constexpr auto kNote = Severity::kNote;
+using enum Severity;
 constexpr std::size_t kMaxUnits = format::kMaxTextUnits;
 
 // The string block of one part.  Its cost is linear in its length, however the

@@ -16,11 +16,10 @@
 #include "cli/progress.h"
 #include "cli/session.h"
 #include "cli/table_out.h"
+#include "cli/translated_text.h"
 
 namespace tabwerk::tool {
 namespace {
-
-constexpr short kUntranslated = -1;
 
 class LanguagesCommand : public Command {
  public:
@@ -54,7 +53,7 @@ class LanguagesCommand : public Command {
   ExitCode Run() override {
     if (auto const problem = languages_.Parse()) return Report(*problem);
     if (auto const problem = OpenToLook(files_)) return Report(*problem);
-    DBbase::SetSprache(kUntranslated);
+    DBbase::SetSprache(kAsStored);
     std::vector<DBTabelle*> const tables = Tables();
     LanguageRows rows(output_, &languages_, cells_);
     FindLanguages(tables);

@@ -4,7 +4,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr CodeEntry kCodes[] = {
+constexpr CodeEntry kFileCodes[] = {
     {101, "wrong-arguments", "The command line makes no sense",
      ExitCode::kUsage,
      "An option is missing, unknown or has a value that it does not "
@@ -198,6 +198,6 @@ constexpr CodeEntry kCodes[] = {
 
 }  // namespace
 
-std::span<CodeEntry const> FileCodes() { return kCodes; }
+std::span<CodeEntry const> FileCodes() { return kFileCodes; }
 
 }  // namespace tabwerk::tool

@@ -4,13 +4,13 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr auto kFindings = ExitCode::kFindings;
+using enum ExitCode;
 
-constexpr char kRestore[] = "cp backup/STOCK.UDB backup/STOCK.idx .";
+constexpr char kCopyBack[] = "cp backup/STOCK.UDB backup/STOCK.idx .";
 constexpr char kRows[] = "tabwerk show stock.db STOCK.UDB -t ARTICLE";
 constexpr char kRemove[] = "rm STOCK.idx";
 
-constexpr CodeEntry kCodes[] = {
+constexpr CodeEntry kIndexCodes[] = {
     // --- IDs
     {410, "double-id", "Two rows have one ID", kFindings,
      "A row is found by its ID, and of two with one ID only the later one is. "
@@ -72,37 +72,37 @@ constexpr CodeEntry kCodes[] = {
     {431, "cut-index", "The index is cut off", kFindings,
      "It ends before the sections of all tables have been there. It counts as "
      "missing, and the next opening writes a new one.",
-     kRestore},
+     kCopyBack},
     {432, "index-section", "The index is none of this database", kFindings,
      "Where a section of a table has to begin, something else stands. The "
      "database may have got a table more or less. The index counts as missing, "
      "and the next opening writes a new one.",
-     kRestore},
+     kCopyBack},
     {433, "index-count", "A section of the index has an impossible size",
      kFindings,
      "The number of entries is negative, or there are fewer bytes. The index "
      "counts as missing, and the next opening writes a new one.",
-     kRestore},
+     kCopyBack},
     {434, "index-sizes", "Sections of the index do not fit each other",
      kFindings,
      "A table has one place more than rows, and no more IDs than rows. The "
      "index counts as missing, and the next opening writes a new one.",
-     kRestore},
+     kCopyBack},
     {435, "index-row", "The index names a row that there is not", kFindings,
      "Rows count from 0. The index counts as missing, and the next opening "
      "writes a new one.",
-     kRestore},
+     kCopyBack},
     {436, "index-rest", "Something stands behind the index", kFindings,
      "Behind the sections of the last table the index has to end. The database "
      "may have lost a table. The index counts as missing, and the next opening "
      "writes a new one.",
-     kRestore},
+     kCopyBack},
     {437, "index-row-count", "The index is for another number of rows",
      kFindings,
      "It carries the times of writing of these files, but they have more or "
      "fewer rows. It counts as missing, and the next opening writes a new "
      "one.",
-     kRestore},
+     kCopyBack},
     {438, "stale-index", "The index is older than the files", kFindings,
      "So it is after a new main file. The next opening carries order and "
      "status over by ID and writes the index anew.",
@@ -128,6 +128,6 @@ constexpr CodeEntry kCodes[] = {
 
 }  // namespace
 
-std::span<CodeEntry const> IndexCodes() { return kCodes; }
+std::span<CodeEntry const> IndexCodes() { return kIndexCodes; }
 
 }  // namespace tabwerk::tool

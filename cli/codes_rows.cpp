@@ -4,7 +4,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr CodeEntry kCodes[] = {
+constexpr CodeEntry kRowCodes[] = {
     {601, "row-too-long", "A row is too long", ExitCode::kRejected,
      "A line has up to 4,094 characters; a longer one would become two "
      "rows.",
@@ -107,6 +107,6 @@ constexpr CodeEntry kCodes[] = {
 
 }  // namespace
 
-std::span<CodeEntry const> RowCodes() { return kCodes; }
+std::span<CodeEntry const> RowCodes() { return kRowCodes; }
 
 }  // namespace tabwerk::tool

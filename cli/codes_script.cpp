@@ -4,7 +4,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr CodeEntry kCodes[] = {
+constexpr CodeEntry kScriptCodes[] = {
     {201, "database-operands", "NEWDATABASE lacks its name or its file",
      ExitCode::kFindings,
      "The statement names the database and the file that it is written "
@@ -272,6 +272,6 @@ constexpr CodeEntry kCodes[] = {
 
 }  // namespace
 
-std::span<CodeEntry const> ScriptCodes() { return kCodes; }
+std::span<CodeEntry const> ScriptCodes() { return kScriptCodes; }
 
 }  // namespace tabwerk::tool

@@ -4,8 +4,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr auto kFindings = ExitCode::kFindings;
-constexpr auto kDamaged = ExitCode::kDamaged;
+using enum ExitCode;
 
 constexpr char kBackup[] = "cp backup/stock.db .";
 constexpr char kBuild[] = "tabwerk build stock.script";
@@ -15,7 +14,7 @@ constexpr char kDefinition[] =
     "NAME string\n"
     "ENDDEF";
 
-constexpr CodeEntry kCodes[] = {
+constexpr CodeEntry kStructureCodes[] = {
     // --- Header
     {310, "unknown-start", "The file does not begin as a database does",
      kFindings,
@@ -179,6 +178,6 @@ constexpr CodeEntry kCodes[] = {
 
 }  // namespace
 
-std::span<CodeEntry const> StructureCodes() { return kCodes; }
+std::span<CodeEntry const> StructureCodes() { return kStructureCodes; }
 
 }  // namespace tabwerk::tool

@@ -4,9 +4,9 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr auto kFindings = ExitCode::kFindings;
+using enum ExitCode;
 
-constexpr CodeEntry kCodes[] = {
+constexpr CodeEntry kTextCodes[] = {
     {510, "unclosed-section", "A section for several languages does not end",
      kFindings,
      "Without \")TS~\" the section is no section: it shows as it is stored, "
@@ -43,6 +43,6 @@ constexpr CodeEntry kCodes[] = {
 
 }  // namespace
 
-std::span<CodeEntry const> TextCodes() { return kCodes; }
+std::span<CodeEntry const> TextCodes() { return kTextCodes; }
 
 }  // namespace tabwerk::tool

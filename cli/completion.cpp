@@ -45,7 +45,7 @@ std::vector<std::string> OperandsOf(DeclaredCommand const& command,
 }
 
 // Between single quotes; a quote inside is written as the shell wants it.
-std::string Quoted(std::string_view text, std::string_view inner_quote) {
+std::string ShellQuoted(std::string_view text, std::string_view inner_quote) {
   std::string quoted = "'";
   for (char const character : text) {
     if (character == '\'') {
@@ -115,7 +115,7 @@ std::string ZshOption(OptionText const& option) {
   std::string text;
   for (std::string const& name : NamesOf(option)) {
     text += " \\\n        " +
-            Quoted(name + "[" + description + "]" + action, "'\\''");
+            ShellQuoted(name + "[" + description + "]" + action, "'\\''");
   }
   return text;
 }
@@ -127,11 +127,11 @@ std::string Zsh(Parser& parser) {
       "  if (( CURRENT == 2 )); then\n"
       "    local -a commands=(\n";
   for (DeclaredCommand const& command : parser.commands()) {
-    text +=
-        "      " +
-        Quoted(std::string(command.entry->name) + ":" + command.entry->summary,
-               "'\\''") +
-        "\n";
+    text += "      " +
+            ShellQuoted(
+                std::string(command.entry->name) + ":" + command.entry->summary,
+                "'\\''") +
+            "\n";
   }
   text +=
       "    )\n"
@@ -161,7 +161,7 @@ std::string Zsh(Parser& parser) {
 }
 
 std::string FishOption(std::string const& condition, OptionText const& option) {
-  std::string text = "complete -c tabwerk -n " + Quoted(condition, "\\'");
+  std::string text = "complete -c tabwerk -n " + ShellQuoted(condition, "\\'");
   for (std::string const& name : option.short_names) {
     text += " -s " + name.substr(1);
   }
@@ -169,11 +169,11 @@ std::string FishOption(std::string const& condition, OptionText const& option) {
     text += " -l " + name.substr(2);
   }
   if (!option.choices.empty()) {
-    text += " -x -a " + Quoted(Joined(option.choices, " "), "\\'");
+    text += " -x -a " + ShellQuoted(Joined(option.choices, " "), "\\'");
   } else if (!option.value.empty()) {
     text += option.takes_file ? " -r -F" : " -x";
   }
-  return text + " -d " + Quoted(option.description, "\\'") + "\n";
+  return text + " -d " + ShellQuoted(option.description, "\\'") + "\n";
 }
 
 std::string Fish(Parser& parser) {
@@ -184,15 +184,15 @@ std::string Fish(Parser& parser) {
   for (DeclaredCommand const& command : parser.commands()) {
     std::string const name = command.entry->name;
     text += "complete -c tabwerk -n __fish_use_subcommand -a " + name + " -d " +
-            Quoted(command.entry->summary, "\\'") + "\n";
+            ShellQuoted(command.entry->summary, "\\'") + "\n";
     std::string const condition = "__fish_seen_subcommand_from " + name;
     for (OptionText const& option : ListOf(command.options)) {
       if (!option.IsPositional()) text += FishOption(condition, option);
     }
     auto const operands = OperandsOf(command, parser);
     if (!operands.empty()) {
-      text += "complete -c tabwerk -f -n " + Quoted(condition, "\\'") + " -a " +
-              Quoted(Joined(operands, " "), "\\'") + "\n";
+      text += "complete -c tabwerk -f -n " + ShellQuoted(condition, "\\'") +
+              " -a " + ShellQuoted(Joined(operands, " "), "\\'") + "\n";
     }
   }
   return text;
@@ -200,7 +200,9 @@ std::string Fish(Parser& parser) {
 
 std::string PowerShellList(std::vector<std::string> const& words) {
   std::vector<std::string> quoted;
-  for (std::string const& word : words) quoted.push_back(Quoted(word, "''"));
+  for (std::string const& word : words) {
+    quoted.push_back(ShellQuoted(word, "''"));
+  }
   return "@(" + Joined(quoted, ", ") + ")";
 }
 

@@ -6,12 +6,11 @@
 #include "cli/files.h"
 #include "cli/progress.h"
 #include "cli/session.h"
+#include "cli/translated_text.h"
 #include "schema/format.h"
 
 namespace tabwerk::tool {
 namespace {
-
-constexpr short kAllLanguages = -1;
 
 // The first text of a table that a save does not take.
 std::optional<Problem> TextProblem(std::string const& path,
@@ -58,7 +57,7 @@ std::optional<Problem> Examine(std::string const& path, DatabaseFile* file) {
   if (auto problem = OpenToLook(files)) return problem;
   Progress progress("examining " + path,
                     static_cast<long long>(file->tables.size()), "tables");
-  DBbase::SetSprache(kAllLanguages);
+  DBbase::SetSprache(kAsStored);
   std::optional<Problem> problem;
   long long done = 0;
   for (TableSummary const& summary : file->tables) {

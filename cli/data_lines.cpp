@@ -9,13 +9,11 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr std::size_t kMarkBytes = 2;
-
 std::u16string_view WithoutLineEnd(std::u16string_view line) {
   return line.substr(0, line.find_last_not_of(u"\r\n") + 1);
 }
 
-std::string ToUtf8(std::u16string_view units) {
+std::string LineToUtf8(std::u16string_view units) {
   return zWString(units).toUtf8();
 }
 
@@ -60,10 +58,10 @@ Place DataLines::At(LinePlace const& place) const {
   std::u16string_view const line = LineAt(place.begin);
   std::size_t const from = std::min(place.offset, line.size());
   Place found(path_, place.number,
-              CharacterCount(ToUtf8(line.substr(0, from))) + 1);
+              CharacterCount(LineToUtf8(line.substr(0, from))) + 1);
   found.length = std::max<std::size_t>(
-      1, CharacterCount(ToUtf8(line.substr(from, place.length))));
-  found.source = ToUtf8(WithoutLineEnd(line));
+      1, CharacterCount(LineToUtf8(line.substr(from, place.length))));
+  found.source = LineToUtf8(WithoutLineEnd(line));
   return found;
 }
 

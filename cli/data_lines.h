@@ -10,6 +10,9 @@
 
 namespace tabwerk::tool {
 
+// The byte order mark in front of the lines.
+inline constexpr std::size_t kMarkBytes = 2;
+
 // A part of a line, to be found again; offsets and lengths in units.
 struct LinePlace {
   std::size_t number;  // of the line, from 1

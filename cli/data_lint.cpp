@@ -5,13 +5,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "cli/data_lines.h"
 #include "cli/row_lint.h"
 #include "cli/text.h"
 
 namespace tabwerk::tool {
 namespace {
-
-constexpr std::size_t kMarkBytes = 2;
 
 // Text of 16-bit units has bytes of 0 soon: those of commas and line feeds.
 bool LooksLikeBytes(std::string_view content) {

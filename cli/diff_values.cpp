@@ -21,7 +21,7 @@ bool SameValue(SnapshotRow const& before, SnapshotRow const& after,
                      static_cast<std::size_t>(ValueSize(column.type))) == 0;
 }
 
-Cell TextCell(std::u16string_view text) { return zWString(text).toUtf8(); }
+Cell UnitsCell(std::u16string_view text) { return zWString(text).toUtf8(); }
 
 // True when both have the same text around as many sections.
 bool SameFrame(std::u16string_view before, std::u16string_view after,
@@ -82,7 +82,7 @@ std::vector<CellDifference> ChangedPieces(std::string const& column,
   auto const sections_before = MarkedSections(before);
   auto const sections_after = MarkedSections(after);
   if (!SameFrame(before, after, sections_before, sections_after)) {
-    return {{column, {}, {}, TextCell(before), TextCell(after)}};
+    return {{column, {}, {}, UnitsCell(before), UnitsCell(after)}};
   }
   std::vector<CellDifference> changes;
   for (std::size_t i = 0; i < sections_before.size(); ++i) {
@@ -93,10 +93,10 @@ std::vector<CellDifference> ChangedPieces(std::string const& column,
       CellDifference change{column, language, {}, {}, {}};
       if (sections_before.size() > 1) change.section = i + 1;
       if (language < old_pieces.size()) {
-        change.before = TextCell(old_pieces[language]);
+        change.before = UnitsCell(old_pieces[language]);
       }
       if (language < new_pieces.size()) {
-        change.after = TextCell(new_pieces[language]);
+        change.after = UnitsCell(new_pieces[language]);
       }
       bool const both =
           language < old_pieces.size() && language < new_pieces.size();
@@ -114,7 +114,7 @@ Cell ValueOf(SnapshotRow const& row, DBType type, std::int32_t offset) {
     case DBTypeReal:
       return row.Real(offset);
     case DBTypeString:
-      return TextCell(row.Text(offset));
+      return UnitsCell(row.Text(offset));
     case DBTypeUnknown:
       break;
   }

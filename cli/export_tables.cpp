@@ -13,20 +13,19 @@
 #include "cli/files.h"
 #include "cli/import_rows.h"
 #include "cli/progress.h"
+#include "cli/script_lines.h"
 #include "cli/session.h"
 #include "cli/table_data_text.h"
 #include "cli/table_list.h"
 #include "cli/text.h"
+#include "cli/translated_text.h"
 #include "schema/container.h"
 #include "schema/format.h"
 
 namespace tabwerk::tool {
 namespace {
 
-constexpr std::string_view kVersionTable = "VERSION";
-constexpr std::string_view kEndOfDefinition = "ENDDEF";
 constexpr short kCurrentVersion = 2025;
-constexpr short kAllLanguages = -1;
 
 bool IsAsciiWord(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), [](char it) {
@@ -106,8 +105,8 @@ std::string TableExport::Definition() {
   std::string read_back;
   bool const same =
       text.size() + 1 < format::kMaxDefinition &&
-      StoredText(definition, &stored) &&
-      StoredText(DBDefinition((text + "\n").c_str()), &read_back) &&
+      tabwerk::StoredText(definition, &stored) &&
+      tabwerk::StoredText(DBDefinition((text + "\n").c_str()), &read_back) &&
       stored == read_back;
   if (!same) {
     Refuse(TW(151), ": its definition would not read back", kNameAdvice);
@@ -344,7 +343,7 @@ std::optional<Problem> ExportTables(std::string const& path,
                    "convert\""});
     return std::nullopt;
   }
-  DBbase::SetSprache(kAllLanguages);
+  DBbase::SetSprache(kAsStored);
   auto problem = DatabaseExport(path, base, exported, refusals).Run(file);
   DBbase::SetSprache(0);
   return problem;

@@ -13,14 +13,9 @@ namespace tabwerk::tool {
 namespace {
 
 // A number from 1; missing where there is none.
-Cell NumberCell(std::size_t number) {
+Cell PlaceCell(std::size_t number) {
   if (number == 0) return {};
   return static_cast<std::int64_t>(number);
-}
-
-Cell TextCell(std::string const& text) {
-  if (text.empty()) return {};
-  return text;
 }
 
 std::vector<ColumnHead> Columns() {
@@ -41,7 +36,7 @@ std::vector<Cell> CellsOf(Problem const& problem, Severity severity) {
   if (where.byte) byte = *where.byte;
   return {
       SeverityText(severity), problem.code.Text(),      TextCell(where.file),
-      NumberCell(where.line), NumberCell(where.column), byte,
+      PlaceCell(where.line),  PlaceCell(where.column),  byte,
       problem.what,           TextCell(problem.advice), TextCell(where.source)};
 }
 

@@ -39,9 +39,6 @@ std::string HeaderForm(DatabaseFile const& file) {
   return form;
 }
 
-// Years that a four-digit date can show.
-constexpr std::int64_t kEndOfDates = 253402300800;
-
 std::string DateAndTime(std::int64_t seconds) {
   if (seconds == 0) return "unknown";
   if (seconds < 0 || seconds >= kEndOfDates) {

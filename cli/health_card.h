@@ -11,6 +11,9 @@
 
 namespace tabwerk::tool {
 
+// Seconds behind the last date that four digits of a year can show.
+inline constexpr std::int64_t kEndOfDates = 253402300800;
+
 // kSound: header, list of tables and the blocks of rows and texts can be what
 // the file says; what stands in rows and texts is not looked at.
 enum class Verdict { kSound, kEmpty, kDamaged };

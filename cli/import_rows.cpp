@@ -19,7 +19,7 @@ constexpr std::size_t kMaxLineUnits = 4095;
 
 // A value of a numeric column as the import reads it, in ASCII: commas are
 // full stops, one pair of quotes is gone.  Other characters become "?".
-std::string NumberText(std::wstring_view token) {
+std::string NumberInAscii(std::wstring_view token) {
   if (!token.empty() && token.front() == L'"' && token.back() == L'"') {
     token = token.substr(1, token.size() < 2 ? 0 : token.size() - 2);
   }
@@ -135,7 +135,7 @@ std::optional<RowObjection> RowJudge::ValueObjection(DBFeld const& field,
   bool const is_number =
       field.type == DBTypeInteger || field.type == DBTypeReal;
   if (!is_number || IsAssigned(field.name)) return std::nullopt;
-  std::string const text = NumberText(token);
+  std::string const text = NumberInAscii(token);
   if (text.empty()) return std::nullopt;
   std::string const value =
       "\"" + Escape(zWString(std::wstring(token)).toUtf8()) + "\"";

@@ -15,14 +15,7 @@ constexpr SectionState kIncompleteStates[] = {
     SectionState::kMissing, SectionState::kEmpty, SectionState::kBlocked,
     SectionState::kUnclosed};
 
-Cell NumberCell(std::size_t number) {
-  return static_cast<std::int64_t>(number);
-}
-
-Cell TextCell(std::string const& text) {
-  if (text.empty()) return {};
-  return text;
-}
+Cell CountCell(std::size_t number) { return static_cast<std::int64_t>(number); }
 
 // "100 %", "98.43 % (4 missing, 1 empty)".
 std::string InShort(SectionCounts const& counts) {
@@ -160,9 +153,8 @@ void LanguageRows::AddRows(ColumnCoverage const& coverage) {
   for (std::size_t k = 0; k < coverage.languages.size(); ++k) {
     if (!languages_.Wants(k)) continue;
     SectionCounts const& counts = coverage.languages[k];
-    out_.Add({TextCell(coverage.table), TextCell(coverage.column),
-              NumberCell(k), TextCell(languages_.Name(k)),
-              std::int64_t{counts.All()},
+    out_.Add({TextCell(coverage.table), TextCell(coverage.column), CountCell(k),
+              TextCell(languages_.Name(k)), std::int64_t{counts.All()},
               std::int64_t{counts[SectionState::kComplete]},
               std::int64_t{counts[SectionState::kEmpty]},
               std::int64_t{counts[SectionState::kMissing]},
@@ -179,7 +171,7 @@ void LanguageRows::AddSurplusRows(ColumnCoverage const& coverage) {
     if (!languages_.Wants(coverage.languages.size() + k)) continue;
     std::vector<Cell> cells = {TextCell(coverage.table),
                                TextCell(coverage.column),
-                               NumberCell(coverage.languages.size() + k)};
+                               CountCell(coverage.languages.size() + k)};
     cells.resize(Heads().size());
     cells[cells.size() - 2] = std::int64_t{coverage.surplus[k]};
     out_.Add(std::move(cells));
@@ -190,10 +182,10 @@ void LanguageRows::AddCell(std::string const& column,
                            IncompleteText const& cell) {
   if (!languages_.Wants(cell.language) || !out_.WantsMore()) return;
   bool const is_main = cell.row < main_rows_;
-  out_.Add({table_, is_main ? main_file_ : user_file_, NumberCell(cell.row),
+  out_.Add({table_, is_main ? main_file_ : user_file_, CountCell(cell.row),
             ids_[cell.row], column,
-            cell.section == 0 ? Cell() : NumberCell(cell.section),
-            NumberCell(cell.language), TextCell(languages_.Name(cell.language)),
+            cell.section == 0 ? Cell() : CountCell(cell.section),
+            CountCell(cell.language), TextCell(languages_.Name(cell.language)),
             std::string(cell.state), cell.text.toUtf8()});
 }
 

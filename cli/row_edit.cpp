@@ -12,17 +12,16 @@
 #include "cli/files.h"
 #include "cli/table_out.h"
 #include "cli/text.h"
+#include "cli/translated_text.h"
 #include "ztypes.h"
 
 namespace tabwerk::tool {
 namespace {
 
-constexpr short kAllLanguages = -1;
-
 // The library's texts with all their languages while it lives.
 class AllLanguages {
  public:
-  AllLanguages() { DBbase::SetSprache(kAllLanguages); }
+  AllLanguages() { DBbase::SetSprache(kAsStored); }
   ~AllLanguages() { DBbase::SetSprache(0); }
   AllLanguages(AllLanguages const&) = delete;
   AllLanguages& operator=(AllLanguages const&) = delete;

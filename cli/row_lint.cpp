@@ -14,7 +14,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr wchar_t kSeparator = L',';
+constexpr wchar_t kWideComma = L',';
 
 std::string Shown(std::u16string_view text) {
   constexpr std::size_t kMostShown = 40;
@@ -78,9 +78,9 @@ std::vector<SplitValue> RowLint::Split(std::u16string_view line) {
   std::vector<SplitValue> values;
   std::size_t const begin = line.find_first_not_of(u" \t");
   wchar_t const* const first =
-      tokenizer_.GetNextToken(units.data(), kSeparator);
+      tokenizer_.GetNextToken(units.data(), kWideComma);
   for (wchar_t const* token = first; token != nullptr;
-       token = tokenizer_.GetNextToken(nullptr, kSeparator)) {
+       token = tokenizer_.GetNextToken(nullptr, kWideComma)) {
     std::size_t const offset = begin + static_cast<std::size_t>(token - first);
     values.push_back({offset, line.substr(offset, std::wcslen(token))});
   }

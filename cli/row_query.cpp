@@ -15,7 +15,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr char kGroup[] = "Rows";
+constexpr char kRowsGroup[] = "Rows";
 
 // The two sides of "COLUMN=VALUE".
 std::optional<Problem> Split(std::string const& condition, char const* option,
@@ -58,25 +58,25 @@ void AddConditions(Options& options, RowQuery* query) {
   options.Add("--id", query->ids, "The row of this ID; several: 1,2,3")
       .List()
       .Value("ID")
-      .Group(kGroup);
+      .Group(kRowsGroup);
   options.Add("--row", query->rows, "The row of this number, from 0")
       .List()
       .NotNegative()
       .Value("N")
-      .Group(kGroup);
+      .Group(kRowsGroup);
   options.Add("--where", query->where, "Rows with this value in a column")
       .OneWord()
       .Value("COLUMN=VALUE")
-      .Group(kGroup);
+      .Group(kRowsGroup);
   options
       .Add("--match", query->match,
            "Rows whose whole text in a column matches a regular "
            "expression")
       .OneWord()
       .Value("COLUMN=PATTERN")
-      .Group(kGroup);
+      .Group(kRowsGroup);
   options.AddFlag("--active", query->active, "Rows whose STATUS is 0")
-      .Group(kGroup);
+      .Group(kRowsGroup);
 }
 
 }  // namespace
@@ -88,14 +88,14 @@ void AddRowQueryOptions(Options& options, RowQuery* query) {
            "main: shipped rows only; user: the user's rows only")
       .OneOf({"main", "user"})
       .Value("PART")
-      .Group(kGroup);
+      .Group(kRowsGroup);
   options
       .Add("--order", query->order,
            "row: as they are stored; folge: the display order, rows "
            "without a place behind; id: by ID")
       .OneOf({"folge", "id", "row"})
       .Value("ORDER")
-      .Group(kGroup);
+      .Group(kRowsGroup);
 }
 
 RowChoice::RowChoice(DBTabelle& table, LanguageChoice const& language)

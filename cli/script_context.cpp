@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::array<std::string_view, 3> kKeywords = {"NEWDATABASE",
                                                        "NEWTABLE", "TABLEDATA"};
-constexpr std::string_view kEndOfDefinition = "ENDDEF";
 
 std::string UpperCase(std::string_view word) {
   return zWString::fromLatin1(word).ToUpper().toLatin1();

@@ -9,7 +9,6 @@ namespace tabwerk::tool {
 namespace {
 
 constexpr std::string_view kSeparators = " \t\n";
-constexpr std::string_view kEndOfDefinition = "ENDDEF";
 constexpr std::size_t kMaxDefinitionBytes = 16383;
 constexpr std::array<std::string_view, 3> kSystemColumns = {"ID", "FOLGE",
                                                             "STATUS"};
@@ -162,7 +161,7 @@ void DefinitionScan::Append(std::string_view name, std::string_view type) {
 // can write them.
 void DefinitionScan::CheckStored(DBDefinition const& definition) {
   std::string stored;
-  bool const can_be_written = StoredText(definition, &stored);
+  bool const can_be_written = tabwerk::StoredText(definition, &stored);
   Column const* const column = FirstReadOtherwise(definition);
   if (!can_be_written) {
     context_.Error(TW(227), column != nullptr ? column->where : begin_,

@@ -10,6 +10,10 @@
 
 namespace tabwerk::tool {
 
+inline constexpr std::string_view kEndOfDefinition = "ENDDEF";
+// The table that keeps the version of the data.
+inline constexpr std::string_view kVersionTable = "VERSION";
+
 // The lines with their numbers.  Views into them live as long as this object.
 class ScriptLines {
  public:

@@ -22,7 +22,6 @@ constexpr std::string_view kKeywordSeparatorsBehindEmptyLine = " \n";
 constexpr std::string_view kDatabaseSeparators = " \n;";
 constexpr std::string_view kTableSeparators = " \n";
 constexpr std::string_view kWordSeparators = " \t\n";
-constexpr std::string_view kVersionTable = "VERSION";
 
 class Scanner {
  public:

@@ -13,7 +13,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr char16_t kSeparator = u',';
+constexpr char16_t kComma = u',';
 constexpr char16_t kQuote = u'"';
 
 std::u16string FromAscii(std::string_view text) {
@@ -42,7 +42,7 @@ std::optional<std::u16string> DataLineWriter::Line(
   std::u16string line;
   for (std::size_t i = 0; i < values.size(); ++i) {
     DataValue const& value = values[i];
-    if (i > 0) line += kSeparator;
+    if (i > 0) line += kComma;
     if (!value.is_text) {
       line += value.text;
       continue;
@@ -91,7 +91,7 @@ bool DataLineWriter::ReadsBack(std::u16string_view token, bool is_last) {
   std::size_t const length = line.size();
   if (!is_last) line += L",0";
   wchar_t const* const first =
-      tokenizer_.GetNextToken(line.data(), wchar_t{kSeparator});
+      tokenizer_.GetNextToken(line.data(), wchar_t{kComma});
   return first != nullptr && std::wcslen(first) == length;
 }
 

@@ -14,7 +14,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr char kGroup[] = "Output";
+constexpr char kOutputGroup[] = "Output";
 
 }  // namespace
 
@@ -25,13 +25,13 @@ void AddFormatOptions(Options& options, OutputOptions* output) {
            "terminal, else tsv")
       .OneOf({"auto", "table", "csv", "tsv", "json", "ndjson", "md", "list"})
       .Value("FORMAT")
-      .Group(kGroup);
+      .Group(kOutputGroup);
   options
       .Add("-o,--output", output->file,
            "Write to this file, which appears when it is complete; - is "
            "standard output")
       .Value("FILE")
-      .Group(kGroup);
+      .Group(kOutputGroup);
 }
 
 void AddOutputOptions(Options& options, OutputOptions* output) {
@@ -39,13 +39,18 @@ void AddOutputOptions(Options& options, OutputOptions* output) {
   options.Add("--limit", output->limit, "No more than so many rows")
       .NotNegative()
       .Value("N")
-      .Group(kGroup);
+      .Group(kOutputGroup);
   options
       .Add("--columns", output->columns,
            "These columns only, in this order: ID,NAME")
       .List()
       .Value("NAMES")
-      .Group(kGroup);
+      .Group(kOutputGroup);
+}
+
+Cell TextCell(std::string const& text) {
+  if (text.empty()) return {};
+  return text;
 }
 
 std::string CellText(Cell const& cell) {

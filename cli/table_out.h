@@ -54,6 +54,9 @@ struct ColumnHead {
 // becomes U+FFFD on the way (zWString::toUtf8).
 using Cell = std::variant<std::monostate, std::int64_t, double, std::string>;
 
+// Missing when the text is empty.
+Cell TextCell(std::string const& text);
+
 // The cell as plain text: numbers in the shortest form that reads back as the
 // same number, nothing for a missing value.
 std::string CellText(Cell const& cell);

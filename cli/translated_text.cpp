@@ -12,7 +12,7 @@ namespace tabwerk::tool {
 namespace {
 
 // The number; -1 for what is none.
-short ParseNumber(std::string const& text) {
+short ParseLanguage(std::string const& text) {
   short number = -1;
   char const* const end = text.data() + text.size();
   auto const [stop, error] = std::from_chars(text.data(), end, number);
@@ -21,7 +21,7 @@ short ParseNumber(std::string const& text) {
 }
 
 std::string WrongChoice(std::string const& text) {
-  if (text == "all" || text == "raw" || ParseNumber(text) >= 0) return "";
+  if (text == "all" || text == "raw" || ParseLanguage(text) >= 0) return "";
   return text + " is neither a number from 0 to 32767 nor all or raw";
 }
 
@@ -53,7 +53,7 @@ int LanguageCount(DBTabelle& table, char const* column) {
 }
 
 short LanguageChoice::Number() const {
-  return text == "raw" ? kAsStored : ParseNumber(text);
+  return text == "raw" ? kAsStored : ParseLanguage(text);
 }
 
 void AddLanguageOption(Options& options, LanguageChoice* choice,

@@ -11,7 +11,7 @@
 namespace tabwerk {
 namespace {
 
-constexpr wchar_t kSeparator = L',';
+constexpr wchar_t kValueSeparator = L',';
 constexpr std::int64_t kByteOrderMarkBytes = 2;
 constexpr std::string_view kVersionColumn = "VERSION";
 
@@ -48,7 +48,7 @@ DataResult TableDataReader::Read(TextFile& file) {
 
 bool TableDataReader::ReadLine(std::u16string_view line) {
   wchar_t* token =
-      InterpreterAccess::FirstToken(interpreter_, line, kSeparator);
+      InterpreterAccess::FirstToken(interpreter_, line, kValueSeparator);
   // Kept: a line that starts with a comma goes on with the row before it,
   // whose first value becomes 0 or empty.
   if (token != nullptr && *token != L'\0' && !table_.NeueZeile(false)) {
@@ -59,7 +59,7 @@ bool TableDataReader::ReadLine(std::u16string_view line) {
   }
   DBFeld const* field = entry_.GetDefinition()->GetDefinition();
   for (; token != nullptr;
-       token = interpreter_.GetNextToken(nullptr, kSeparator)) {
+       token = interpreter_.GetNextToken(nullptr, kValueSeparator)) {
     if (field == nullptr) {
       RecordError(kErrorTooManyValues, kTooManyValuesText);
       return true;

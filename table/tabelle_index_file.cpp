@@ -29,7 +29,7 @@ namespace platform = tabwerk::platform;
 
 namespace {
 
-using Values = std::vector<std::int32_t>;
+using Numbers = std::vector<std::int32_t>;
 
 constexpr std::string_view kIdTag = "ID";
 constexpr std::string_view kFolgeTag = "FOLGE";
@@ -53,7 +53,7 @@ void WriteSection(FILE* f, std::string_view tag,
 }
 
 // True when the section has that tag; its bytes are consumed in either case.
-bool ReadTag(SectionSource& source, std::string_view tag) {
+bool ReadSectionTag(SectionSource& source, std::string_view tag) {
   std::array<char, 8> found{};
   std::size_t const size = source.Read(found.data(), tag.size());
   return std::string_view(found.data(), size) == tag;
@@ -70,7 +70,7 @@ std::int32_t ReadCount(SectionSource& source) {
 // reads the section's values.  A source that ends early gives an index of the
 // announced size as long as that is small, else one for the values read.
 // False, an empty index and no values without memory.
-bool ReadEntries(SectionSource& source, Values* index, std::int32_t initial,
+bool ReadEntries(SectionSource& source, Numbers* index, std::int32_t initial,
                  SectionValues* values) {
   index->clear();
   auto const count = static_cast<std::size_t>(ReadCount(source));
@@ -157,7 +157,7 @@ void DBTabelle::ReadIndexStatusNoUdate(FILE* f) {
 namespace tabwerk {
 
 bool TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
-  if (!ReadTag(source, kIdTag)) return true;
+  if (!ReadSectionTag(source, kIdTag)) return true;
   auto& ids = Ids(table);
   ids.Clear();
   bool const complete = Guarded(false, [&] {
@@ -175,7 +175,7 @@ bool TableAccess::ReadIds(DBTabelle& table, SectionSource& source) {
 
 bool TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
                             RowUpdate update) {
-  if (!ReadTag(source, kFolgeTag)) return true;
+  if (!ReadSectionTag(source, kFolgeTag)) return true;
   auto& index = Folge(table);
   SectionValues rows;
   bool const read = ReadEntries(source, &index, -1, &rows);
@@ -208,7 +208,7 @@ bool TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
 
 bool TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
                              RowUpdate update) {
-  if (!ReadTag(source, kStatusTag)) return true;
+  if (!ReadSectionTag(source, kStatusTag)) return true;
   auto& index = Status(table);
   SectionValues values;
   bool const read = ReadEntries(source, &index, 0, &values);

@@ -21,7 +21,8 @@ using tabwerk::DefinitionAccess;
 using tabwerk::TablePart;
 
 constexpr std::int32_t kFirstUserId = 20000;
-constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int64_t kLargestNumber =
+    std::numeric_limits<std::int32_t>::max();
 
 // Makes room for one more entry at amortised constant cost.
 void ReserveOneMore(std::vector<std::int32_t>* index) {
@@ -59,7 +60,7 @@ bool AppendRecord(TablePart* part, DBDefinition const& definition) {
   if (record_size <= 0 || part->damaged || part->row_count < 0) return false;
   std::int64_t const used = std::int64_t{part->row_count} * record_size;
   std::int64_t const grown = used + record_size;
-  if (grown > kLargest) return false;
+  if (grown > kLargestNumber) return false;
   if (static_cast<std::uint64_t>(used) > part->rows.size()) return false;
 
   DBFeld const* const fields = DefinitionAccess::Fields(definition);
@@ -85,7 +86,7 @@ bool DBTabelle::NeueZeile(bool user) {
   DBSubTable& sub_table = sub_tables_[index];
   std::int64_t rows = sub_table.part->Rows();
   if (user) rows += sub_tables_[0].part->Rows();
-  if (rows >= kLargest) return false;
+  if (rows >= kLargestNumber) return false;
   // Nothing that can fail may follow the new record.
   bool const room = tabwerk::Guarded(false, [&] {
     ReserveOneMore(&status_index_);
@@ -105,6 +106,6 @@ bool DBTabelle::NeueZeile(bool user) {
 long DBTabelle::NewUserID() {
   if (id_index_->empty()) return kFirstUserId;
   std::int32_t const largest = id_index_->LargestId();
-  if (largest < kLargest) return std::max(largest + 1, kFirstUserId);
+  if (largest < kLargestNumber) return std::max(largest + 1, kFirstUserId);
   return id_index_->LowestFreeId(kFirstUserId).value_or(kFirstUserId);
 }

@@ -11,14 +11,14 @@
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
-constexpr char32_t kLargest = 0x10FFFF;
+constexpr char32_t kLargestCodePoint = 0x10FFFF;
 
 bool IsHighSurrogate(char32_t value) { return (value & ~0x3FFu) == 0xD800; }
 bool IsLowSurrogate(char32_t value) { return (value & ~0x3FFu) == 0xDC00; }
 bool IsSurrogate(char32_t value) { return (value & ~0x7FFu) == 0xD800; }
 
 void AppendUnits(char32_t value, std::u16string* text) {
-  if (value > kLargest) {
+  if (value > kLargestCodePoint) {
     value = kReplacement;
   }
   if (value <= 0xFFFF) {
