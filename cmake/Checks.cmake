@@ -141,18 +141,16 @@ function(tabwerk_add_tidy_target)
   endif()
   cmake_host_system_information(RESULT cores QUERY NUMBER_OF_LOGICAL_CORES)
   list(JOIN TABWERK_LAYERS "|" layers)
-  set(targets tidy tidy_tool)
-  set(folders_of_targets "${layers}|examples" cli)
-  # The tool apart: the headers of its libraries make it take as long as all
-  # else together.
-  foreach(target folders IN ZIP_LISTS targets folders_of_targets)
-    add_custom_target(${target}
-      COMMAND "${TABWERK_RUN_CLANG_TIDY}" -quiet -j ${cores}
-        -p "${PROJECT_BINARY_DIR}"
-        "^${PROJECT_SOURCE_DIR}/(${folders})/"
-      WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
-      VERBATIM USES_TERMINAL)
-  endforeach()
+  # Files that are compiled together are looked at together: the headers, which
+  # take most of the time, are then read once for all.
+  set(together "${PROJECT_BINARY_DIR}/.*/Unity/")
+  set(library "${PROJECT_SOURCE_DIR}/(${layers}|examples)/")
+  add_custom_target(tidy
+    COMMAND "${TABWERK_RUN_CLANG_TIDY}" -quiet -j ${cores}
+      -p "${PROJECT_BINARY_DIR}"
+      "^${library}|^${PROJECT_SOURCE_DIR}/cli/|^${together}"
+    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
+    VERBATIM USES_TERMINAL)
 endfunction()
 
 tabwerk_add_tidy_target()

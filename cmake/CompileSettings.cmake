@@ -49,13 +49,26 @@ if(TABWERK_COVERAGE)
   add_link_options(--coverage)
 endif()
 
-# With TABWERK_PRECOMPILE: compiles the standard library's headers that most
-# files of a target include only once, and further ones that are given.  A
-# build without it shows that every file includes what it uses.
-function(tabwerk_precompile target)
-  if(TABWERK_PRECOMPILE)
-    target_precompile_headers(${target} PRIVATE
-      <algorithm> <cstdint> <functional> <map> <memory> <optional> <string>
-      <string_view> <utility> <vector> ${ARGN})
+# With TABWERK_TOGETHER: compiles the files of a target some at a time, because
+# reading the same headers for every file takes most of the time otherwise.  What
+# files keep to themselves has to have different names then.  A build without it
+# shows that every file includes what it uses.
+function(tabwerk_unite target)
+  if(TABWERK_TOGETHER)
+    set_target_properties(${target} PROPERTIES
+      UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+      # Types of an unnamed namespace in a class: of a header it would be wrong,
+      # and that is what it takes all these files for.
+      target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+    endif()
   endif()
+endfunction()
+
+# For tests: compiles the standard library's headers that most files of a target
+# include only once, and further ones that are given.
+function(tabwerk_precompile target)
+  target_precompile_headers(${target} PRIVATE
+    <algorithm> <cstdint> <functional> <map> <memory> <optional> <string>
+    <string_view> <utility> <vector> ${ARGN})
 endfunction()

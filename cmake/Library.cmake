@@ -43,7 +43,7 @@ function(tabwerk_add_objects name)
 endfunction()
 
 tabwerk_add_objects(tabwerk_objects ${tabwerk_sources})
-tabwerk_precompile(tabwerk_objects)
+tabwerk_unite(tabwerk_objects)
 tabwerk_add_objects(tabwerk_seam_files "${tabwerk_seam_files}")
 tabwerk_add_objects(tabwerk_seam_streams "${tabwerk_seam_streams}")
 
