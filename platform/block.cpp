@@ -61,23 +61,28 @@ bool Block::ResetUnset(std::size_t size) {
 }
 
 bool Block::Resize(std::size_t size) {
-  if (size > capacity_) {
-    std::size_t capacity = GenerousCapacity(size, capacity_);
-    void* grown = Reallocate(data_, capacity);
-    if (grown == nullptr && capacity > size) {
-      capacity = size;
-      grown = Reallocate(data_, capacity);
-    }
-    if (grown == nullptr) {
-      return false;
-    }
-    data_ = static_cast<std::byte*>(grown);
-    capacity_ = capacity;
+  std::size_t const old_size = size_;
+  if (!ResizeUnset(size)) {
+    return false;
   }
-  if (size > size_) {
-    std::memset(data_ + size_, 0, size - size_);
+  if (size > old_size) {
+    std::memset(data_ + old_size, 0, size - old_size);
   }
-  size_ = size;
+  return true;
+}
+
+bool Block::GrowTo(std::size_t size) {
+  std::size_t capacity = GenerousCapacity(size, capacity_);
+  void* grown = Reallocate(data_, capacity);
+  if (grown == nullptr && capacity > size) {
+    capacity = size;
+    grown = Reallocate(data_, capacity);
+  }
+  if (grown == nullptr) {
+    return false;
+  }
+  data_ = static_cast<std::byte*>(grown);
+  capacity_ = capacity;
   return true;
 }
 

@@ -26,6 +26,12 @@ class Block {
   // Changes the size; new bytes are zero, the others stay.  False, and the
   // block as it was, when there is no memory.
   [[nodiscard]] bool Resize(std::size_t size);
+  // The same with new bytes of any content, for one who fills them at once.
+  [[nodiscard]] bool ResizeUnset(std::size_t size) {
+    if (size > capacity_ && !GrowTo(size)) return false;
+    size_ = size;
+    return true;
+  }
   // Frees the memory; size() is 0 afterwards.
   void Clear() noexcept;
 
@@ -34,6 +40,9 @@ class Block {
   std::size_t size() const noexcept { return size_; }
 
  private:
+  // Gives the block a capacity of size at least, which is more than it has.
+  bool GrowTo(std::size_t size);
+
   std::byte* data_ = nullptr;
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;

@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "schema/bytes.h"
+
 namespace {
 
 constexpr std::size_t kUnitSize = sizeof(char16_t);
@@ -42,32 +44,26 @@ void DBStringMemory::Adopt(tabwerk::platform::Block units) noexcept {
   units_ = std::move(units);
 }
 
-std::optional<std::int32_t> DBStringMemory::Append(std::u16string_view text) {
+bool DBStringMemory::Append(std::u16string_view text) {
   std::size_t const index = count();
-  if (index > kLimit || text.size() >= kLimit - index) return std::nullopt;
+  if (index > kLimit || text.size() >= kLimit - index) return false;
   bool const inside = LiesIn(units_, text);
   auto const place =
       inside ? static_cast<std::size_t>(text.data() - Units(units_)) : 0;
-  // The new units are zero, the NUL among them.
-  if (!units_.Resize((index + text.size() + 1) * kUnitSize)) {
-    return std::nullopt;
+  if (!units_.ResizeUnset((index + text.size() + 1) * kUnitSize)) return false;
+  std::byte* const to = units_.data() + index * kUnitSize;
+  std::size_t const bytes = text.size() * kUnitSize;
+  if (bytes != 0) {
+    std::memcpy(to, inside ? Units(units_) + place : text.data(), bytes);
   }
-  if (!text.empty()) {
-    char16_t const* const from = inside ? Units(units_) + place : text.data();
-    std::memcpy(units_.data() + index * kUnitSize, from,
-                text.size() * kUnitSize);
-  }
-  return static_cast<std::int32_t>(index);
+  tabwerk::StoreValue(to + bytes, char16_t{0});
+  return true;
 }
 
-std::optional<std::int32_t> DBStringMemory::AppendEmpty(
-    std::uint32_t text_count) {
+bool DBStringMemory::AppendEmpty(std::uint32_t text_count) {
   std::size_t const index = count();
-  if (index > kLimit || text_count > kLimit - index ||
-      !units_.Resize((index + text_count) * kUnitSize)) {
-    return std::nullopt;
-  }
-  return static_cast<std::int32_t>(index);
+  return index <= kLimit && text_count <= kLimit - index &&
+         units_.Resize((index + text_count) * kUnitSize);
 }
 
 void DBStringMemory::Overwrite(std::int32_t index,

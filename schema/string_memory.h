@@ -56,11 +56,12 @@ class DBStringMemory {
   [[nodiscard]] bool CopyFrom(DBStringMemory const& other);
   // Replaces the content by this buffer, whose size is even.
   void Adopt(tabwerk::platform::Block units) noexcept;
-  // Appends a text and a NUL; its index, or nothing (and no change) without
-  // memory or when the index would not fit into 31 bits.
-  [[nodiscard]] std::optional<std::int32_t> Append(std::u16string_view text);
-  // Appends so many empty texts; the index of the first one, as Append.
-  [[nodiscard]] std::optional<std::int32_t> AppendEmpty(std::uint32_t count);
+  // Appends a text and a NUL; its index is what count() was.  False, and no
+  // change, without memory or when the index would not fit into 31 bits.
+  [[nodiscard]] bool Append(std::u16string_view text);
+  // Appends so many empty texts; what count() was is the index of the first
+  // one.  Fails as Append.
+  [[nodiscard]] bool AppendEmpty(std::uint32_t count);
   // Overwrites the text at index in place; text must not be longer than it.
   // Units behind the new NUL keep their content.
   void Overwrite(std::int32_t index, std::u16string_view text) noexcept;

@@ -58,6 +58,7 @@ inline std::u16string_view TextFrom(char16_t const* text) noexcept {
 
 // The text at the start of units: up to the first NUL, or all of them.
 inline ScannedText ScanText(std::u16string_view units) noexcept {
+  if (units.empty() || units.front() == 0) return {units.substr(0, 0), false};
   std::uint64_t found = 0;
   std::size_t length = 0;
   while (units.size() - length >= scan::kUnitsPerWord) {

@@ -199,7 +199,7 @@ bool TableAccess::ReadFolge(DBTabelle& table, SectionSource& source,
       table.SetWert(static_cast<long>(folge));
     } else {
       // Without the column only the index gets the value.
-      (void)FollowValue(table, 0, folge);
+      FollowValue(table, folge);
     }
   }
   writer.Select();
@@ -232,7 +232,7 @@ bool TableAccess::ReadStatus(DBTabelle& table, SectionSource& source,
     } else if (found) {
       table.SetWert(static_cast<long>(values[i]));
     } else {
-      (void)FollowValue(table, 0, values[i]);
+      FollowValue(table, values[i]);
     }
   }
   writer.Select();

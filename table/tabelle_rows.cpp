@@ -24,10 +24,13 @@ constexpr std::int32_t kFirstUserId = 20000;
 constexpr std::int64_t kLargestNumber =
     std::numeric_limits<std::int32_t>::max();
 
+[[gnu::noinline]] void Enlarge(std::vector<std::int32_t>* index) {
+  index->reserve(std::max<std::size_t>(16, 2 * index->capacity()));
+}
+
 // Makes room for one more entry at amortised constant cost.
 void ReserveOneMore(std::vector<std::int32_t>* index) {
-  if (index->size() < index->capacity()) return;
-  index->reserve(std::max<std::size_t>(16, 2 * index->capacity()));
+  if (index->size() == index->capacity()) Enlarge(index);
 }
 
 std::uint32_t CountStringFields(DBFeld const* field) {
@@ -65,13 +68,13 @@ bool AppendRecord(TablePart* part, DBDefinition const& definition) {
 
   DBFeld const* const fields = DefinitionAccess::Fields(definition);
   std::uint32_t const units_before = part->strings->count();
-  auto const first_text = part->strings->AppendEmpty(CountStringFields(fields));
-  if (!first_text) return false;
-  if (!part->rows.Resize(static_cast<std::size_t>(grown))) {
+  if (!part->strings->AppendEmpty(CountStringFields(fields))) return false;
+  if (!part->rows.ResizeUnset(static_cast<std::size_t>(grown))) {
     part->strings->Truncate(units_before);
     return false;
   }
-  FillRecord(part->rows.data() + used, record_size, fields, *first_text);
+  FillRecord(part->rows.data() + used, record_size, fields,
+             static_cast<std::int32_t>(units_before));
   part->row_block_size = static_cast<std::int32_t>(grown);
   ++part->row_count;
   ++part->revision;

@@ -49,36 +49,50 @@ bool HasType(DBSubTable const* selected, DBType type) {
          selected->field->type == type;
 }
 
+// Tells what is remembered of a table's rows of a text that was set at the
+// selected place.
+[[gnu::noinline]] void TellOfText(DBTabelle& table, RowLookups* lookups,
+                                  RowLookups::TextChange change) {
+  lookups->TextSet(table, TableAccess::CurrentSubTable(table),
+                   TableAccess::Current(table)->field,
+                   TableAccess::ValueRow(table), change);
+}
+
 bool EndsWithNul(DBStringMemory const& strings) {
   std::size_t const count = strings.count();
   return count == 0 ||
          tabwerk::LoadValue<char16_t>(strings.data() + 2 * (count - 1)) == 0;
 }
 
-// Place of the appended text; nothing, and no change, without memory.
-std::optional<std::int32_t> AppendText(DBStringMemory* strings,
-                                       std::u16string_view text) {
-  if (EndsWithNul(*strings)) return strings->Append(text);
-  // The store's last text gets its NUL first, or it would run into this one.
+// Appends a text to a store whose last text has no NUL: it gets that first, or
+// it would run into this one.  False, and no change, without memory.
+[[gnu::noinline]] bool AppendBehindOpenText(DBStringMemory* strings,
+                                            std::u16string_view text) {
   // text may lie in the store, which moves.
   std::u16string const copy(text);
   std::uint32_t const count_before = strings->count();
-  if (!strings->Append({})) return std::nullopt;
-  auto const index = strings->Append(copy);
-  if (!index) strings->Truncate(count_before);
-  return index;
+  if (!strings->Append({})) return false;
+  if (strings->Append(copy)) return true;
+  strings->Truncate(count_before);
+  return false;
 }
 
-// Stores text for a value whose present place in the store is index and holds
-// the text old; its new place, or nothing (and no change) without memory.
-std::optional<std::int32_t> StoreText(DBStringMemory* strings,
-                                      std::int32_t index,
-                                      std::u16string_view old,
-                                      std::u16string_view text) {
-  bool const at_end = static_cast<std::uint32_t>(index) == strings->count();
-  if (at_end || text.size() > old.size()) return AppendText(strings, text);
-  strings->Overwrite(index, text);
-  return index;
+// Stores text for a value whose place in the store is *index and holds the text
+// old, and makes *index its new place.  False, and no change, without memory.
+bool StoreText(DBStringMemory* strings, std::int32_t* index,
+               std::u16string_view old, std::u16string_view text) {
+  std::uint32_t const count = strings->count();
+  bool const at_end = static_cast<std::uint32_t>(*index) == count;
+  if (!at_end && text.size() <= old.size()) {
+    strings->Overwrite(*index, text);
+    return true;
+  }
+  bool const open = !EndsWithNul(*strings);
+  if (open ? !AppendBehindOpenText(strings, text) : !strings->Append(text)) {
+    return false;
+  }
+  *index = static_cast<std::int32_t>(count + (open ? 1 : 0));
+  return true;
 }
 
 int SetText(DBTabelle& table, std::u16string_view text) {
@@ -92,18 +106,47 @@ int SetText(DBTabelle& table, std::u16string_view text) {
   if (!old) return 0;
   auto* const lookups = TableAccess::Lookups(table);
   bool const same = lookups != nullptr && *old == text;
-  auto const index = StoreText(part.strings.get(), old_index, *old, text);
-  if (!index) return 0;
-  tabwerk::StoreValue(place, *index);
+  std::int32_t index = old_index;
+  if (!StoreText(part.strings.get(), &index, *old, text)) return 0;
+  tabwerk::StoreValue(place, index);
   ++part.revision;
   if (lookups != nullptr) {
     using Change = RowLookups::TextChange;
     auto const in_place = same ? Change::kNone : Change::kInPlace;
-    lookups->TextSet(table, TableAccess::CurrentSubTable(table),
-                     selected->field, TableAccess::ValueRow(table),
-                     *index == old_index ? in_place : Change::kAppended);
+    TellOfText(table, lookups,
+               index == old_index ? in_place : Change::kAppended);
   }
   return 1;
+}
+
+[[gnu::noinline]] void TellOfNumber(DBTabelle& table, std::int32_t old_value,
+                                    std::int32_t value) {
+  TableAccess::Lookups(table)->NumberSet(
+      table, TableAccess::CurrentSubTable(table),
+      TableAccess::Current(table)->field, old_value, value);
+}
+
+// Stores an integer at the selected place if the selected field is one.
+int StoreInteger(DBTabelle& table, std::byte* place, std::int32_t value) {
+  DBSubTable const& selected = *TableAccess::Current(table);
+  if (selected.field->type != DBTypeInteger) return 0;
+  auto const old_value = tabwerk::LoadValue<std::int32_t>(place);
+  tabwerk::StoreValue(place, value);
+  ++selected.part->revision;
+  if (TableAccess::Lookups(table) != nullptr) {
+    TellOfNumber(table, old_value, value);
+  }
+  return 1;
+}
+
+// The same for the column ID, whose index follows first.
+[[gnu::noinline]] int SetId(DBTabelle& table, std::byte* place,
+                            std::int32_t value) {
+  bool const integer =
+      TableAccess::Current(table)->field->type == DBTypeInteger;
+  auto const old_value = integer ? tabwerk::LoadValue<std::int32_t>(place) : 0;
+  if (!TableAccess::FollowId(table, old_value, value)) return 0;
+  return StoreInteger(table, place, value);
 }
 
 }  // namespace
@@ -153,24 +196,15 @@ int DBTabelle::SetWert(long value) {
       selected->field == nullptr) {
     return 0;
   }
-  DBType const type = selected->field->type;
   std::byte* const place =
-      Place(selected, definition_, tabwerk::ValueSize(type));
+      Place(selected, definition_, tabwerk::ValueSize(selected->field->type));
   if (place == nullptr) return 0;
   auto const stored = static_cast<std::int32_t>(value);
-  std::int32_t const old =
-      type == DBTypeInteger ? tabwerk::LoadValue<std::int32_t>(place) : 0;
   // Kept: the index follows before the type is tested, so a column FOLGE,
   // STATUS or ID of another type changes its index although the result is 0.
-  if (!TableAccess::FollowValue(*this, old, stored)) return 0;
-  if (type != DBTypeInteger) return 0;
-  tabwerk::StoreValue(place, stored);
-  ++selected->part->revision;
-  if (lookups_ != nullptr) {
-    lookups_->NumberSet(*this, current_sub_table_, selected->field, old,
-                        stored);
-  }
-  return 1;
+  if (id_selected_) return SetId(*this, place, stored);
+  TableAccess::FollowValue(*this, stored);
+  return StoreInteger(*this, place, stored);
 }
 
 int DBTabelle::SetWert(double value) {
@@ -228,26 +262,16 @@ bool tabwerk::TableAccess::HasText(DBTabelle& table) {
              .has_value();
 }
 
-bool tabwerk::TableAccess::FollowValue(DBTabelle& table, std::int32_t old_value,
-                                       std::int32_t value) {
-  auto const row = static_cast<std::int32_t>(table.current_row_);
-  if (table.folge_selected_) {
-    if (value >= 1 &&
-        static_cast<std::size_t>(value) < table.folge_index_.size()) {
-      table.folge_index_[static_cast<std::size_t>(value)] = row;
-    }
-  } else if (table.status_selected_) {
-    if (row >= 0 && static_cast<std::size_t>(row) < table.status_index_.size())
-      table.status_index_[static_cast<std::size_t>(row)] = value;
-  } else if (table.id_selected_ && old_value != value) {
-    bool const entered = Guarded(false, [&] {
-      table.id_index_->Set(value, row);
-      return true;
-    });
-    if (!entered) return false;
-    // Kept: the entry of the old ID goes whichever row it names, so the first
-    // ID of a new row removes the entry of ID 0.
-    table.id_index_->Erase(old_value);
-  }
+bool tabwerk::TableAccess::FollowId(DBTabelle& table, std::int32_t old_id,
+                                    std::int32_t id) {
+  if (old_id == id) return true;
+  bool const entered = Guarded(false, [&] {
+    table.id_index_->Set(id, static_cast<std::int32_t>(table.current_row_));
+    return true;
+  });
+  if (!entered) return false;
+  // Kept: the entry of the old ID goes whichever row it names, so the first
+  // ID of a new row removes the entry of ID 0.
+  table.id_index_->Erase(old_id);
   return true;
 }

@@ -83,11 +83,25 @@ struct TableAccess {
     return true;
   }
 
-  // Lets the index of the column that is selected (FOLGE, STATUS or ID) follow
-  // a value that the current row gets in place of old_value.  False, and no
-  // change, without memory.
-  static bool FollowValue(DBTabelle& table, std::int32_t old_value,
-                          std::int32_t value);
+  // Lets the index of the column that is selected (FOLGE or STATUS) follow a
+  // value that the current row gets.
+  static void FollowValue(DBTabelle& table, std::int32_t value) noexcept {
+    auto const row = static_cast<std::int32_t>(table.current_row_);
+    if (table.folge_selected_) {
+      auto& folge = table.folge_index_;
+      if (value >= 1 && static_cast<std::size_t>(value) < folge.size()) {
+        folge[static_cast<std::size_t>(value)] = row;
+      }
+    } else if (table.status_selected_) {
+      auto& status = table.status_index_;
+      if (row >= 0 && static_cast<std::size_t>(row) < status.size()) {
+        status[static_cast<std::size_t>(row)] = value;
+      }
+    }
+  }
+  // Lets the ID index follow an ID that the current row gets in place of
+  // old_id.  False, and no change, without memory.
+  static bool FollowId(DBTabelle& table, std::int32_t old_id, std::int32_t id);
 
   // True when the current value, whatever its type, names a text of the store:
   // SetWert by a text then fails only for lack of memory.

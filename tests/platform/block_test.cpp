@@ -60,6 +60,19 @@ TEST_F(MemoryBlock, NewBytesAreZeroAndOldOnesStay) {
   EXPECT_TRUE(IsAll(block, 1, std::byte{0}));
 }
 
+TEST_F(MemoryBlock, UnsetBytesComeBehindTheOldOnes) {
+  Block block;
+  ASSERT_TRUE(block.Resize(1000));
+  std::fill_n(block.data(), 1000, std::byte{7});
+  ASSERT_TRUE(block.ResizeUnset(1'000'000));
+  EXPECT_EQ(1'000'000u, block.size());
+  std::fill_n(block.data() + 1000, 999'000, std::byte{7});
+  EXPECT_TRUE(IsAll(block, 0, std::byte{7}));
+  ASSERT_TRUE(block.ResizeUnset(2));
+  ASSERT_TRUE(block.Resize(1000));
+  EXPECT_TRUE(IsAll(block, 2, std::byte{0}));
+}
+
 TEST_F(MemoryBlock, RecordsExactSizes) {
   Block block;
   for (std::size_t size = 12; size <= 12'000; size += 12) {

@@ -37,11 +37,13 @@ TEST(StringMemory, StartsEmpty) {
   EXPECT_EQ(u"-", TextAt(store, -1));
 }
 
-TEST(StringMemory, AppendGivesTheIndexOfTheText) {
+TEST(StringMemory, AppendedTextBeginsAtTheCountBefore) {
   DBStringMemory store;
-  EXPECT_EQ(0, store.Append(u"ab"));
-  EXPECT_EQ(3, store.Append(u""));
-  EXPECT_EQ(4, store.Append(u"c"));
+  EXPECT_TRUE(store.Append(u"ab"));
+  EXPECT_EQ(3u, store.count());
+  EXPECT_TRUE(store.Append(u""));
+  EXPECT_EQ(4u, store.count());
+  EXPECT_TRUE(store.Append(u"c"));
   EXPECT_EQ("ab^^c^", Units(store));
   EXPECT_EQ(u"ab", TextAt(store, 0));
   EXPECT_EQ(u"b", TextAt(store, 1));
@@ -84,10 +86,21 @@ TEST(StringMemory, OverwriteKeepsTheUnitsBehindTheNul) {
 TEST(StringMemory, TextOfTheStoreItselfMayBeAppended) {
   DBStringMemory store;
   ASSERT_TRUE(store.Append(u"abc"));
-  for (int i = 0; i < 10; ++i) {
-    EXPECT_EQ(4 + 3 * i, store.Append(store.Text(1).value()));
+  for (unsigned i = 0; i < 10; ++i) {
+    EXPECT_EQ(4u + 3 * i, store.count());
+    ASSERT_TRUE(store.Append(store.Text(1).value()));
   }
   EXPECT_EQ(u"bc", TextAt(store, 31));
+}
+
+TEST(StringMemory, WhatWasTakenBackDoesNotShowInLaterTexts) {
+  DBStringMemory store;
+  ASSERT_TRUE(store.Append(u"abcdef"));
+  store.Truncate(0);
+  ASSERT_TRUE(store.Append(u"x"));
+  ASSERT_TRUE(store.Append(u""));
+  ASSERT_TRUE(store.AppendEmpty(3));
+  EXPECT_EQ("x^^^^^", Units(store));
 }
 
 TEST(StringMemory, LoneSurrogatesPassThrough) {

@@ -40,10 +40,9 @@ void StoreField(TablePart& part, std::byte* record, DBFeld const& field,
       StoreValue(place, std::strtod(value.c_str(), nullptr));
       break;
     case DBTypeString: {
-      auto const index =
-          part.strings->Append(zWString::fromUtf8(value.c_str()).view());
-      Require(index.has_value());
-      StoreValue(place, *index);
+      auto const index = static_cast<std::int32_t>(part.strings->count());
+      Require(part.strings->Append(zWString::fromUtf8(value.c_str()).view()));
+      StoreValue(place, index);
       break;
     }
     case DBTypeUnknown:

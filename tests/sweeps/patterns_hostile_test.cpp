@@ -167,8 +167,8 @@ class OneText {
   explicit OneText(std::u16string const& text) : made_("string NAME\n") {
     made_.AddRow(0, "");
     auto& part = made_.Part(0);
-    auto const place = part.strings->Append(text);
-    StoreValue(part.rows.data(), place.value_or(-1));
+    auto const place = static_cast<std::int32_t>(part.strings->count());
+    StoreValue(part.rows.data(), part.strings->Append(text) ? place : -1);
   }
 
   // "found", "not found" or "error".
