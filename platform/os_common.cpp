@@ -1,5 +1,4 @@
 // The part of the system that the C library gives in the same way everywhere.
-#include <cstdlib>
 #include <ctime>
 
 #include "platform/platform.h"
@@ -32,11 +31,5 @@ bool Flush(FILE* stream) { return std::fflush(stream) == 0; }
 bool Close(FILE* stream) { return std::fclose(stream) == 0; }
 
 std::int64_t Now() { return static_cast<std::int64_t>(std::time(nullptr)); }
-
-void* Reallocate(void* block, std::size_t size) {
-  return std::realloc(block, size == 0 ? 1 : size);
-}
-
-void Free(void* block) { std::free(block); }
 
 }  // namespace tabwerk::platform::os

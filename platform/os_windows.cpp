@@ -206,6 +206,12 @@ bool WriteText(FILE* stream, std::u16string_view text) {
 
 void* Allocate(std::size_t size) { return std::malloc(size == 0 ? 1 : size); }
 
+void* Reallocate(void* block, std::size_t size) {
+  return std::realloc(block, size == 0 ? 1 : size);
+}
+
+void Free(void* block) { std::free(block); }
+
 void Pause(int milliseconds) { Sleep(static_cast<DWORD>(milliseconds)); }
 
 }  // namespace tabwerk::platform::os

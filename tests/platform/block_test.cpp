@@ -16,6 +16,9 @@ namespace {
 
 using platform::Block;
 
+// From here on Linux gives a block a mapping of its own.
+constexpr std::size_t kMany = std::size_t{16} << 20U;
+
 class MemoryBlock : public testing::Test {
  protected:
   ~MemoryBlock() override { EXPECT_EQ(0, LiveBlocks()); }
@@ -159,13 +162,58 @@ TEST_F(MemoryBlock, OfNothingIsOneByteOfTheSystems) {
 }
 
 TEST_F(MemoryBlock, OfManyBytesCanBeWrittenFromFirstToLast) {
-  constexpr std::size_t kSize = (std::size_t{40} << 20U) + 1;
-  auto* const bytes = static_cast<char*>(platform::os::Allocate(kSize));
+  for (std::size_t const size :
+       {kMany - 1, kMany, kMany + 1, 2 * kMany + 4097}) {
+    auto* const bytes = static_cast<char*>(platform::os::Allocate(size));
+    ASSERT_NE(nullptr, bytes);
+    bytes[0] = 'a';
+    bytes[size - 1] = 'z';
+    EXPECT_EQ('a', bytes[0]);
+    EXPECT_EQ('z', bytes[size - 1]);
+    platform::os::Free(bytes);
+  }
+}
+
+// Beside another one that grows as well, so that they are in each other's way.
+TEST_F(MemoryBlock, KeepsItsBytesAsItGrowsFromFewToMany) {
+  Block block;
+  Block other;
+  for (std::size_t size = kMany / 4; size < 4 * kMany; size += kMany / 4) {
+    ASSERT_TRUE(block.Resize(size));
+    ASSERT_TRUE(other.Resize(size + 1));
+    block.data()[size - 1] = std::byte{7};
+    other.data()[size] = std::byte{8};
+  }
+  for (std::size_t size = kMany / 4; size < 4 * kMany; size += kMany / 4) {
+    ASSERT_EQ(std::byte{7}, block.data()[size - 1]);
+    ASSERT_EQ(std::byte{0}, block.data()[size - 2]);
+    ASSERT_EQ(std::byte{8}, other.data()[size]);
+    ASSERT_EQ(std::byte{0}, other.data()[size - 1]);
+  }
+}
+
+TEST_F(MemoryBlock, OfManyBytesBecomesOneOfFew) {
+  auto* bytes = static_cast<char*>(platform::os::Allocate(kMany));
   ASSERT_NE(nullptr, bytes);
   bytes[0] = 'a';
-  bytes[kSize - 1] = 'z';
+  bytes[99] = 'z';
+  bytes = static_cast<char*>(platform::os::Reallocate(bytes, 100));
+  ASSERT_NE(nullptr, bytes);
   EXPECT_EQ('a', bytes[0]);
-  EXPECT_EQ('z', bytes[kSize - 1]);
+  EXPECT_EQ('z', bytes[99]);
+  platform::os::Free(bytes);
+}
+
+TEST_F(MemoryBlock, OfMoreBytesThanThereAreIsRefused) {
+  auto* const bytes = static_cast<char*>(platform::os::Allocate(kMany));
+  ASSERT_NE(nullptr, bytes);
+  bytes[kMany - 1] = 'z';
+  constexpr std::size_t kAll = ~std::size_t{0};
+  for (std::size_t const size : {kAll, kAll - kMany, kAll / 2}) {
+    EXPECT_EQ(nullptr, platform::os::Allocate(size));
+    EXPECT_EQ(nullptr, platform::os::Reallocate(bytes, size));
+  }
+  EXPECT_EQ('z', bytes[kMany - 1]);
   platform::os::Free(bytes);
 }
 
