@@ -309,9 +309,11 @@ void IdIndex::Reserve(std::size_t count, std::int32_t first,
   Reserve(count);
   Span span(first);
   span.Add(last);
-  if (storage_->dense && span.IsDense(count, kKeepArray)) {
-    storage_->array = IdArray(span.first, span.last);
-  }
+  if (!storage_->dense || !span.IsDense(count, kKeepArray)) return;
+  // New IDs mostly follow the largest one.
+  std::int64_t const room = (span.last - span.first) / 8;
+  storage_->array =
+      IdArray(span.first, std::min(kLargestId, span.last + room));
 }
 
 std::int32_t IdIndex::LargestId() const {

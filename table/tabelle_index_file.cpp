@@ -76,9 +76,11 @@ bool ReadEntries(SectionSource& source, Numbers* index, std::int32_t initial,
   auto const count = static_cast<std::size_t>(ReadCount(source));
   return Guarded(false, [&] {
     SectionValues read(source, count);
-    index->assign(
-        std::min(count, std::max(read.size(), SectionValues::kPieceValues)),
-        initial);
+    std::size_t const entries =
+        std::min(count, std::max(read.size(), SectionValues::kPieceValues));
+    // Rows that are added find room; the system makes it when it is used.
+    index->reserve(entries + entries / 8);
+    index->assign(entries, initial);
     *values = std::move(read);
     return true;
   });
