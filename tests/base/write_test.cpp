@@ -282,6 +282,20 @@ TEST_F(ManagerWrite, TimeStampAlwaysGrows) {
   EXPECT_EQ(4000000002, ReadDatabase(Path("USER.UDB")).time_stamp);
 }
 
+TEST_F(ManagerWrite, TimeStampGrowsBeyondThatOfAnotherFileWhosePlaceItTakes) {
+  MakeArticles("COPY.db", 4000000000, {});
+  EXPECT_TRUE(Manager()->Write(W("STOCK"), false, W(Path("COPY.db"))));
+  EXPECT_EQ(4000000001, ReadDatabase(Path("COPY.db")).time_stamp);
+}
+
+TEST_F(ManagerWrite, TimeStampGrowsBeyondThatOfAFileThatWasReplacedMeanwhile) {
+  DBbase::Init({}, {});  // closes the files
+  OpenStock(false);
+  MakeArticles("USER.UDB", 4000000000, {"20000|3|0|Carl"});
+  EXPECT_TRUE(WriteUserFile());
+  EXPECT_EQ(4000000001, ReadDatabase(Path("USER.UDB")).time_stamp);
+}
+
 TEST_F(ManagerWrite, AfterTheEndOfTimeStampsTheClockCounts) {
   DBbase::Init({}, {});  // closes the files
   constexpr auto kEndOfTime = std::numeric_limits<std::int64_t>::max();
