@@ -39,8 +39,6 @@ struct Definitions {
   std::array<char, 100> buffer{};
 };
 
-constexpr char kBefore[] = "OLD0 OTHER8 16|OLD0 OTHER8 |";
-
 }  // namespace
 
 std::vector<Operation> DefinitionOperations() {
@@ -65,42 +63,42 @@ std::vector<Operation> DefinitionOperations() {
                      d.source.GetDefinition() != nullptr &&
                      d.source.GenerateString(d.buffer.data(), 90) == 1;
             }),
-      In<D>(
-          Promise::kEmpties, {"DBFeld::DBFeld(DBFeld const&)"},
-          [](D& d) {
-            d.made_field.emplace(*d.source.GetDefinition());
-            return true;
-          },
-          std::string(kBefore) + "made ID0 "),
+      In<D>(Promise::kEmpties, {"DBFeld::DBFeld(DBFeld const&)"},
+            [](D& d) {
+              d.made_field.emplace(*d.source.GetDefinition());
+              return true;
+            },
+            {[](D& d) {
+              d.made_field.emplace(
+                  *DBDefinition("integer ID\n").GetDefinition());
+            }}),
       In<D>(Promise::kSilent, {"DBFeld::operator=(DBFeld const&)"},
             [](D& d) {
               d.field = *d.source.GetDefinition();
               return true;
             }),
-      In<D>(
-          Promise::kEmpties, {"DBDefinition::DBDefinition(char const*)"},
-          [](D& d) {
-            d.made.emplace(kText);
-            return true;
-          },
-          std::string(kBefore) + "made "),
-      In<D>(
-          Promise::kEmpties,
-          {"DBDefinition::DBDefinition(DBDefinition const&)"},
-          [](D& d) {
-            d.made.emplace(d.source);
-            return true;
-          },
-          std::string(kBefore) + "made "),
+      In<D>(Promise::kEmpties, {"DBDefinition::DBDefinition(char const*)"},
+            [](D& d) {
+              d.made.emplace(kText);
+              return true;
+            },
+            {[](D& d) { d.made.emplace(); }}),
+      In<D>(Promise::kEmpties,
+            {"DBDefinition::DBDefinition(DBDefinition const&)"},
+            [](D& d) {
+              d.made.emplace(d.source);
+              return true;
+            },
+            {[](D& d) { d.made.emplace(); }}),
       In<D>(Promise::kSilent, {"DBDefinition::operator=(DBDefinition const&)"},
             [](D& d) {
               d.target = d.source;
               return true;
             }),
-      In<D>(
-          Promise::kEmpties, {"DBDefinition::GenerateDefinition(char const*)"},
-          [](D& d) { return d.target.GenerateDefinition(kText) == 1; },
-          "0|OLD0 OTHER8 |"),
+      In<D>(Promise::kEmpties,
+            {"DBDefinition::GenerateDefinition(char const*)"},
+            [](D& d) { return d.target.GenerateDefinition(kText) == 1; },
+            {[](D& d) { d.target = DBDefinition(); }}),
   };
 }
 

@@ -205,7 +205,8 @@ std::vector<Operation> Making() {
             [](D& d) {
               d.copy.emplace(d.directory);
               return d.copy->GetNumberFiles() == 2;
-            }),
+            },
+            {[](D& d) { d.copy.emplace(); }}),
       In<D>(Promise::kSilent, {"DBDirectory::operator=(DBDirectory const&)"},
             [](D& d) {
               d.other = d.directory;
@@ -268,7 +269,12 @@ std::vector<Operation> Tables() {
                                        d.other.GetEntries());
             }),
       In<D>(Promise::kPart, {"DBDirectory::OpenDBdatei("},
-            [](D& d) { return d.directory.OpenDBdatei(1, true, false); }),
+            [](D& d) { return d.directory.OpenDBdatei(1, true, false); },
+            // The stream is open, its tables are not read.
+            {[](D& d) {
+              d.OpenStream("USER.UDB", platform::Mode::kRead);
+              d.directory.SetFile(1, std::exchange(d.stream, nullptr));
+            }}),
       In<WithStream>(
           Promise::kFails, {"DBDirectory::ReadFromFile(FILE*, int)"},
           [](WithStream& d) { return d.directory.ReadFromFile(d.stream, 1); }),

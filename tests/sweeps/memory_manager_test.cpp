@@ -51,7 +51,23 @@ struct Manager {
              std::to_string(got_files.size()) +
              (made ? " made " + std::to_string(made->FilesCount()) : "") +
              std::to_string(other.FilesCount());
-    return state + (table != nullptr ? " table" : "");
+    state += table != nullptr ? " table" : "";
+    for (std::size_t i = 0; current && i < current->GetNumberFiles(); ++i) {
+      state += current->GetFileOpen(i) != 0 ? ",open" : ",closed";
+    }
+    return state;
+  }
+  // Which tables are in memory as well.
+  std::string LoadedState() {
+    std::string state = State();
+    auto* const current = Get()->GetDirectory();
+    for (auto* entry = current->GetEntries(); entry != nullptr;
+         entry = entry->GetNext()) {
+      for (std::size_t i = 0; i < entry->GetNumberOfParts(); ++i) {
+        state += entry->GetPartLoaded(i) ? " loaded" : " not loaded";
+      }
+    }
+    return state;
   }
 
   TempFolder folder;
@@ -71,14 +87,17 @@ struct Manager {
   DBTabelle* table = nullptr;
 };
 
-// The rows of the open database have to be read again.
+// The rows of these parts of the open database have to be read again.
+DBTabelle* Forget(std::vector<std::size_t> const& parts) {
+  DBTabelle* loaded = nullptr;
+  EXPECT_EQ(1, Manager::Get()->OpenTabelle("ARTIKEL", loaded));
+  for (auto const part : parts) loaded->SetOpen(false, part);
+  return loaded;
+}
+
 struct NotLoaded : Manager {
-  NotLoaded() {
-    DBTabelle* loaded = nullptr;
-    EXPECT_EQ(1, Get()->OpenTabelle("ARTIKEL", loaded));
-    loaded->SetOpen(false, 0);
-    bound.SetDirEntry(loaded->GetDirEntry(false));
-  }
+  NotLoaded() { bound.SetDirEntry(Forget({0})->GetDirEntry(false)); }
+  std::string State() { return LoadedState(); }
 
   DBTabelle bound;
 };
@@ -86,7 +105,28 @@ struct NotLoaded : Manager {
 // Nothing is open yet.
 struct Closed : Manager {
   Closed() { EXPECT_TRUE(DBbase::Init(names, files)); }
+  std::string State() { return LoadedState(); }
 };
+
+// The database is open, but these parts of its table are not in memory; the
+// table is handed out or not.
+template <typename World, bool handed_out, std::size_t... parts>
+void ReadWithout(World& m) {
+  EXPECT_EQ(1, Manager::Get()->Open(m.names[1], true, false));
+  auto* const table = Forget({parts...});
+  if (handed_out) m.table = table;
+}
+
+template <typename World>
+std::vector<void (*)(World&)> PartlyRead(
+    std::vector<void (*)(World&)> states = {}) {
+  states.insert(states.end(),
+                {ReadWithout<World, false>, ReadWithout<World, false, 0>,
+                 ReadWithout<World, false, 1>, ReadWithout<World, false, 0, 1>,
+                 ReadWithout<World, true, 0>, ReadWithout<World, true, 1>,
+                 ReadWithout<World, true, 0, 1>});
+  return states;
+}
 
 using M = Manager;
 
@@ -146,22 +186,49 @@ std::vector<Operation> Configuring() {
 
 std::vector<Operation> Opening() {
   return {
+      // A table that found no memory is read when it is opened.  A database
+      // that does not open leaves the catalogue: the next time the other one is
+      // opened.
       In<Closed>(Promise::kPart, {"DBbase::OpenDatei("},
                  [](Closed& m) {
-                   // A database that does not open leaves the catalogue: the
-                   // next time the other one is opened.
-                   return M::Get()->OpenDatei(m.path, true, false) == 1;
-                 }),
+                   return M::Get()->OpenDatei(m.path, true, false) == 1 &&
+                          M::Get()->OpenTabelle("ARTIKEL", m.table) == 1;
+                 },
+                 PartlyRead<Closed>({[](Closed& m) {
+                   EXPECT_EQ(1, M::Get()->Close(m.names[1]));
+                 }}),
+                 {[](Closed& m) {
+                   EXPECT_EQ(1, M::Get()->Close(m.names[1]));
+                   EXPECT_EQ(1, M::Get()->Open(m.names[0], true, false));
+                   EXPECT_EQ(1, M::Get()->OpenTabelle("ARTIKEL", m.table));
+                 }}),
       In<M>(Promise::kFails, {"DBbase::Close(zWString const&)"},
             [](M& m) { return M::Get()->Close(m.names[0]) == 1; }),
       In<M>(Promise::kPart, {"DBbase::ReOpen(bool)"},
             [](M&) {
               return DBbase::GetDBBaseInstance()->ReOpen(true) != nullptr;
-            }),
-      In<NotLoaded>(Promise::kPart, {"DBbase::OpenTabelle("},
-                    [](NotLoaded& m) {
-                      return M::Get()->OpenTabelle("ARTIKEL", m.table) == 1;
-                    }),
+            },
+            // Those before the one that did not open are open.
+            {[](M& m) { EXPECT_TRUE(DBbase::Init(m.names, m.files)); },
+             [](M& m) {
+               EXPECT_TRUE(DBbase::Init(m.names, m.files));
+               EXPECT_EQ(1, M::Get()->Close(m.names[0]));
+             },
+             [](M& m) {
+               EXPECT_TRUE(DBbase::Init(m.names, m.files));
+               EXPECT_EQ(1, M::Get()->Open(m.names[0], true, false));
+               EXPECT_EQ(1, M::Get()->Close(m.names[1]));
+             },
+             [](M& m) {
+               EXPECT_TRUE(DBbase::Init(m.names, m.files));
+               EXPECT_EQ(1, M::Get()->Open(m.names[0], true, false));
+             }}),
+      In<NotLoaded>(
+          Promise::kPart, {"DBbase::OpenTabelle("},
+          [](NotLoaded& m) {
+            return M::Get()->OpenTabelle("ARTIKEL", m.table) == 1;
+          },
+          PartlyRead<NotLoaded>()),
       In<NotLoaded>(Promise::kPart,
                     {"DBTabelle::ReadTabelle(unsigned long, DBDirectory*)",
                      "DBTabelle::ReadStrings(unsigned long, DBDirectory*)"},

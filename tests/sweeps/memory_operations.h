@@ -18,7 +18,7 @@ enum class Promise {
   kFails,      // its failure result, and nothing is changed
   kSilent,     // has no failure result; nothing is changed
   kEmpties,    // leaves what the header says: Operation::without_memory
-  kPart,       // may have done a part; tried again it does the rest
+  kPart,       // may have done a part: Operation::without_memory
 };
 
 // An object and what it works with, made anew for every run.
@@ -36,12 +36,18 @@ class Trial {
   virtual std::string State() = 0;
 };
 
+// The state of a world that has been changed in some way.
+using StateOf = std::function<std::string()>;
+
+// Whatever the operation has left without memory, tried again it does all of
+// it, unless again_after_a_part says what else is left then.
 struct Operation {
   // Beginnings of lines of cmake/exports.txt, one for each line.
   std::vector<std::string_view> exports;
   Promise promise;
   std::function<std::unique_ptr<Trial>()> make;
-  std::string without_memory = "";
+  std::vector<StateOf> without_memory = {};
+  std::vector<StateOf> again_after_a_part = {};
 };
 
 // A trial of a world: a default-constructible class with State().
@@ -58,11 +64,29 @@ class TrialIn : public Trial {
 };
 
 template <typename World>
+std::vector<StateOf> StatesAfter(std::vector<void (*)(World&)> const& changes) {
+  std::vector<StateOf> states;
+  for (auto* const change : changes) {
+    states.push_back([change] {
+      World world;
+      change(world);
+      return world.State();
+    });
+  }
+  return states;
+}
+
+// The last two: what may have been done of it without memory, and by the second
+// attempt after that.
+template <typename World>
 Operation In(Promise promise, std::vector<std::string_view> exports,
-             bool (*run)(World&), std::string without_memory = "") {
+             bool (*run)(World&),
+             std::vector<void (*)(World&)> const& without_memory = {},
+             std::vector<void (*)(World&)> const& again_after_a_part = {}) {
   return {std::move(exports), promise,
           [run] { return std::make_unique<TrialIn<World>>(run); },
-          std::move(without_memory)};
+          StatesAfter<World>(without_memory),
+          StatesAfter<World>(again_after_a_part)};
 }
 
 // Lets every allocation of every operation fail, blocks and operator new, once

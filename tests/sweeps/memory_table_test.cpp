@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdio>
 #include <map>
 #include <optional>
 #include <regex>
@@ -89,20 +90,16 @@ struct OnPrice : Table {
   OnPrice() { Stand("PREIS", 1); }
 };
 
-// With a file of the table's index sections, rewound.
-struct WithIndex : Table {
-  WithIndex() {
+// With an empty file.
+struct WithFile : Table {
+  WithFile() {
     auto error = platform::Error::kNone;
     stream =
         platform::OpenFile(folder.Path("index"), platform::Mode::kCreateUpdate,
                            platform::Share::kDenyAll, &error);
     EXPECT_NE(nullptr, stream);
-    t.table.WriteIndexID(stream);
-    t.table.WriteIndexFolge(stream);
-    t.table.WriteIndexStatus(stream);
-    ReadFrom(0);
   }
-  ~WithIndex() { (void)platform::Close(stream); }
+  ~WithFile() { (void)platform::Close(stream); }
   void ReadFrom(std::int64_t offset) const {
     EXPECT_TRUE(platform::Seek(stream, offset, platform::Origin::kStart));
   }
@@ -112,6 +109,26 @@ struct WithIndex : Table {
 
   TempFolder folder;
   FILE* stream = nullptr;
+};
+
+// What is written to it counts.
+struct ToFile : WithFile {
+  std::string State() {
+    std::array<char, 100> bytes{};
+    ReadFrom(0);
+    auto const size = std::fread(bytes.data(), 1, bytes.size(), stream);
+    return Table::State() + std::string(bytes.data(), size);
+  }
+};
+
+// With the table's index sections in it, rewound.
+struct WithIndex : WithFile {
+  WithIndex() {
+    t.table.WriteIndexID(stream);
+    t.table.WriteIndexFolge(stream);
+    t.table.WriteIndexStatus(stream);
+    ReadFrom(0);
+  }
 };
 
 struct AtFolge : WithIndex {
@@ -203,6 +220,28 @@ std::vector<Operation> WithoutNeed() {
   };
 }
 
+bool AppendRow(T& t) {
+  return t.t.table.SetZeileWerte(t.values, DBTabelle::ActionAppend);
+}
+
+// A new row that has no texts, or the first one of them.
+void AppendWithoutTexts(T& t) {
+  auto& table = t.t.table;
+  t.Stand("NAME", 2);
+  EXPECT_TRUE(table.NeueZeile(true));
+  EXPECT_EQ(1, table.SelectColumn("ID"));
+  EXPECT_EQ(1, table.SetWert(20001L));
+  EXPECT_EQ(1, table.SelectColumn("FOLGE"));
+  EXPECT_EQ(1, table.SetWert(4L));
+  EXPECT_EQ(1, table.SelectColumn("NAME"));
+}
+void AppendWithoutNote(T& t) {
+  auto const all = t.values;
+  t.values.erase("NOTE");
+  EXPECT_TRUE(AppendRow(t));
+  t.values = all;
+}
+
 std::vector<Operation> Values() {
   return {
       In<T>(Promise::kFails, {"DBTabelle::GetWert(zWString&)"},
@@ -223,14 +262,24 @@ std::vector<Operation> Values() {
               return t.t.table.SelectZeile(
                          "NAME", L"Carl, whose name is a long one, too") == 1;
             }),
-      In<T>(Promise::kPart, {"DBTabelle::FindRows("},
-            [](T& t) {
-              return t.t.table.FindRows("NAME", t.pattern, false).size() == 3;
-            }),
-      In<T>(Promise::kPart, {"DBTabelle::SetZeileWerte("},
-            [](T& t) {
-              return t.t.table.SetZeileWerte(t.values, DBTabelle::ActionAppend);
-            }),
+      In<T>(
+          Promise::kPart, {"DBTabelle::FindRows("},
+          [](T& t) {
+            return t.t.table.FindRows("NAME", t.pattern, false).size() == 3;
+          },
+          // Stopped at a row.
+          {[](T& t) { t.Stand("NAME", 0); }, [](T& t) { t.Stand("NAME", 2); }}),
+      In<T>(Promise::kPart, {"DBTabelle::SetZeileWerte("}, AppendRow,
+            // A new row has the values up to the one that found no memory.
+            {AppendWithoutTexts, AppendWithoutNote},
+            {[](T& t) {
+               AppendWithoutTexts(t);
+               EXPECT_TRUE(AppendRow(t));
+             },
+             [](T& t) {
+               AppendWithoutNote(t);
+               EXPECT_TRUE(AppendRow(t));
+             }}),
       In<T>(Promise::kSilent, {"DBTabelle::mapGetString("},
             [](T& t) {
               t.wide = t.t.table.mapGetString(t.values, "NAME");
@@ -245,6 +294,12 @@ std::vector<Operation> Values() {
   };
 }
 
+// Every row was selected in turn.
+void StandAtTheEnd(T& t, char const* column) {
+  t.Stand(column, 2);
+  t.Stand(column, 3);
+}
+
 // Without memory an index is empty.
 std::vector<Operation> IndicesOfTables() {
   return {
@@ -256,27 +311,40 @@ std::vector<Operation> IndicesOfTables() {
             [](T& t) {
               t.t.table.MakeIndexID();
               return t.t.table.GetRowByID(3) == 2;
-            }),
+            },
+            {[](T& t) {
+              StandAtTheEnd(t, "ID");
+              TableAccess::Ids(t.t.table).Clear();
+            }}),
       In<T>(Promise::kPart, {"DBTabelle::MakeIndexFolge()"},
             [](T& t) {
               t.t.table.MakeIndexFolge();
               return t.t.table.GetRowByFolge(3) == 2;
-            }),
+            },
+            {[](T& t) {
+              StandAtTheEnd(t, "FOLGE");
+              TableAccess::Folge(t.t.table).clear();
+            }}),
       In<T>(Promise::kPart, {"DBTabelle::MakeIndexStatus()"},
             [](T& t) {
               t.t.table.MakeIndexStatus();
               return !StatusIndexOf(t.t.table).empty();
-            }),
+            },
+            {[](T& t) {
+              StandAtTheEnd(t, "STATUS");
+              TableAccess::Status(t.t.table).clear();
+            }}),
       In<Resorted>(Promise::kSilent, {"DBTabelle::ResortIndexID()"},
                    [](Resorted& t) {
                      t.t.table.ResortIndexID();
                      return true;
                    }),
-      In<WithIndex>(Promise::kPart, {"DBTabelle::WriteIndexID(FILE*)"},
-                    [](WithIndex& t) {
-                      t.t.table.WriteIndexID(t.stream);
-                      return true;
-                    }),
+      In<ToFile>(Promise::kPart, {"DBTabelle::WriteIndexID(FILE*)"},
+                 [](ToFile& t) {
+                   t.ReadFrom(0);
+                   t.t.table.WriteIndexID(t.stream);
+                   return platform::Tell(t.stream) == t.kFolge;
+                 }),
       In<WithIndex>(Promise::kNeedsNone,
                     {"DBTabelle::WriteIndexFolge(FILE*)",
                      "DBTabelle::WriteIndexStatus(FILE*)"},
@@ -290,36 +358,54 @@ std::vector<Operation> IndicesOfTables() {
 
 std::vector<Operation> ReadingIndices() {
   return {
-      In<WithIndex>(Promise::kPart, {"DBTabelle::ReadIndexID(FILE*)"},
-                    [](WithIndex& t) {
-                      t.ReadFrom(0);
-                      t.t.table.ReadIndexID(t.stream);
-                      return t.t.table.GetRowByID(3) == 2;
-                    }),
+      In<WithIndex>(
+          Promise::kPart, {"DBTabelle::ReadIndexID(FILE*)"},
+          [](WithIndex& t) {
+            t.ReadFrom(0);
+            t.t.table.ReadIndexID(t.stream);
+            return t.t.table.GetRowByID(3) == 2;
+          },
+          {[](WithIndex& t) { TableAccess::Ids(t.t.table).Clear(); }}),
       In<AtFolge>(Promise::kPart, {"DBTabelle::ReadIndexFolge(FILE*)"},
                   [](AtFolge& t) {
                     t.ReadFrom(t.kFolge);
                     t.t.table.ReadIndexFolge(t.stream);
                     return t.t.table.GetRowByFolge(3) == 2;
-                  }),
+                  },
+                  {[](AtFolge& t) {
+                    t.Stand("FOLGE", 1);
+                    TableAccess::Folge(t.t.table).clear();
+                  }}),
       In<AtFolge>(Promise::kPart, {"DBTabelle::ReadIndexFolgeNoUpdate(FILE*)"},
                   [](AtFolge& t) {
                     t.ReadFrom(t.kFolge);
                     t.t.table.ReadIndexFolgeNoUpdate(t.stream);
                     return t.t.table.GetRowByFolge(3) == 2;
-                  }),
+                  },
+                  {[](AtFolge& t) {
+                    t.Stand("FOLGE", 1);
+                    TableAccess::Folge(t.t.table).clear();
+                  }}),
       In<AtStatus>(Promise::kPart, {"DBTabelle::ReadIndexStatus(FILE*)"},
                    [](AtStatus& t) {
                      t.ReadFrom(t.kStatus);
                      t.t.table.ReadIndexStatus(t.stream);
                      return TableAccess::Status(t.t.table).size() == 4;
-                   }),
+                   },
+                   {[](AtStatus& t) {
+                     t.Stand("STATUS", 1);
+                     TableAccess::Status(t.t.table).clear();
+                   }}),
       In<AtStatus>(Promise::kPart, {"DBTabelle::ReadIndexStatusNoUdate(FILE*)"},
                    [](AtStatus& t) {
                      t.ReadFrom(t.kStatus);
                      t.t.table.ReadIndexStatusNoUdate(t.stream);
                      return TableAccess::Status(t.t.table).size() == 4;
-                   }),
+                   },
+                   {[](AtStatus& t) {
+                     t.Stand("STATUS", 1);
+                     TableAccess::Status(t.t.table).clear();
+                   }}),
   };
 }
 
