@@ -46,7 +46,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 SECONDS_FOR_A_PROGRAM = 90
 BYTES_FOR_A_PROGRAM = 8 << 30
 # For the random tests; what they do not find so soon, others have to.
-OPERATIONS = "200"
+OPERATIONS = "2000"
 
 # What a line may hold, and what is put in its place.  Our layout has blanks
 # around operators and none in "<…>" of templates.

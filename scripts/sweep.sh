@@ -15,6 +15,8 @@
 #   share      share modes between programs; one writer, one reader, 10,000 times
 #   models     random operations against the plain models
 # On Linux:
+#   fast       every random test of a fast form, on TABWERK_OPERATIONS (100,000)
+#              cases each
 #   fuzz       every fuzz target, TABWERK_FUZZ_SECONDS (300) each
 #   coverage   lines and branches that the tests run (scripts/coverage.sh)
 #   mutation   how many of 100 seeded faults the tests notice
@@ -28,7 +30,7 @@ set -uo pipefail
 cd "$(dirname "$0")/.."
 
 suite_steps=(faults memory kill power damage index patterns share models)
-all=("${suite_steps[@]}" fuzz coverage mutation lint valgrind)
+all=("${suite_steps[@]}" fast fuzz coverage mutation lint valgrind)
 steps=("$@")
 [ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
 for step in "${steps[@]}"; do
@@ -73,9 +75,29 @@ run_models() {
   TABWERK_OPERATIONS=50000 run_tests end_to_end_test 'Model*'
 }
 
+# Tests of random cases have "Random" in their names.
+run_fast() {
+  local programs=(ztypes platform schema table base interp) program shard
+  local result=0 shards=()
+  built dev "${programs[@]/%/_test}" || return 1
+  export TABWERK_OPERATIONS=${TABWERK_OPERATIONS:-100000}
+  for program in "${programs[@]}"; do
+    shards=()
+    for ((shard = 0; shard < jobs; ++shard)); do
+      GTEST_TOTAL_SHARDS=$jobs GTEST_SHARD_INDEX=$shard \
+        "$root/dev/bin/${program}_test" --gtest_filter='*Random*' |
+        grep -E '^\[( +OK|  FAILED) |^[^[]' &
+      shards+=($!)
+    done
+    for shard in "${shards[@]}"; do wait "$shard" || result=1; done
+  done
+  return $result
+}
+
 run_step() {
   case $1 in
     models) run_models ;;
+    fast) run_fast ;;
     fuzz) scripts/fuzz.sh "${TABWERK_FUZZ_SECONDS:-300}" ;;
     coverage) scripts/coverage.sh ;;
     mutation) scripts/mutation.py ;;

@@ -9,6 +9,7 @@
 
 #include "DBbase.h"
 #include "tests/support/database_fixture.h"
+#include "tests/support/random_cases.h"
 
 namespace tabwerk::test {
 namespace {
@@ -119,36 +120,37 @@ std::u16string RandomText(std::mt19937* random) {
 }
 
 TEST_F(Translation, AgreesWithThePlainStepsOnRandomTexts) {
-  auto const seed = std::random_device{}();
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  std::mt19937 random(seed);
-  for (int i = 0; i < 100000; ++i) {
-    auto text = RandomText(&random);
-    auto const language =
-        static_cast<short>(static_cast<int>(random() % 4) - 1);
-    auto const expected = PlainTranslation(text, language);
-    SCOPED_TRACE(zWString(text).toUtf8());
-    DBbase::SetSprache(language);
-    if (auto const first = FirstTranslatedUnit(text, language)) {
-      ASSERT_FALSE(expected.empty());
-      ASSERT_TRUE(expected.front() == *first || expected.front() == u'#');
+  constexpr int kTexts = 100;
+  JudgeRandomly(100'000, kTexts, [](std::uint32_t seed) {
+    std::mt19937 random(seed);
+    for (int i = 0; i < kTexts; ++i) {
+      auto text = RandomText(&random);
+      auto const language =
+          static_cast<short>(static_cast<int>(random() % 4) - 1);
+      auto const expected = PlainTranslation(text, language);
+      SCOPED_TRACE(zWString(text).toUtf8());
+      DBbase::SetSprache(language);
+      if (auto const first = FirstTranslatedUnit(text, language)) {
+        ASSERT_FALSE(expected.empty());
+        ASSERT_TRUE(expected.front() == *first || expected.front() == u'#');
+      }
+      TranslateText(text);
+      ASSERT_EQ(zWString(expected).toUtf8(), zWString(text).toUtf8());
     }
-    TranslateText(text);
-    ASSERT_EQ(zWString(expected).toUtf8(), zWString(text).toUtf8());
-  }
+  });
 }
 
-// A million sections, beside each other and inside each other.
+// Many sections, beside each other and inside each other.
 TEST_F(Translation, CostsNoMoreThanTheLengthOfTheText) {
-  constexpr int kSections = 1000000;
+  auto const sections = static_cast<std::size_t>(Shortened(1'000'000));
   std::u16string flat;
   std::u16string nested;
-  for (int i = 0; i < kSections; ++i) flat += u"#TS(a\u00ACb)TS~";
-  for (int i = 0; i < kSections; ++i) nested += u"#TS(";
-  for (int i = 0; i < kSections; ++i) nested += u")TS~";
+  for (std::size_t i = 0; i < sections; ++i) flat += u"#TS(a\u00ACb)TS~";
+  for (std::size_t i = 0; i < sections; ++i) nested += u"#TS(";
+  for (std::size_t i = 0; i < sections; ++i) nested += u")TS~";
   TranslateText(flat);
   TranslateText(nested);
-  EXPECT_EQ(std::u16string(kSections, u'a'), flat);
+  EXPECT_EQ(std::u16string(sections, u'a'), flat);
   EXPECT_EQ(u"", nested);
 }
 

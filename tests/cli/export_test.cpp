@@ -1,6 +1,7 @@
 #include "tests/cli/expected.h"
 #include "tests/cli/tool_test.h"
 #include "tests/support/hex_file.h"
+#include "tests/support/random_run.h"
 #include "tests/support/random_table.h"
 
 namespace tabwerk::test {
@@ -318,7 +319,7 @@ TEST_F(ToolExport, RebuildsOrRefusesAnyDatabase) {
 
 TEST_F(ToolExport, RebuildsALargeDatabase) {
   std::vector<std::string> rows;
-  for (int i = 1; i <= 20000; ++i) {
+  for (int i = 1; i <= Shortened(20000); ++i) {
     std::string const number = std::to_string(i);
     rows.push_back(number + "|" + number + "|0|#TS(Part " + number +
                    "¬Teil)TS~|0.1|");

@@ -10,6 +10,7 @@
 #include "platform/platform.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/judged_database.h"
+#include "tests/support/random_run.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

@@ -15,6 +15,7 @@
 #include "tests/support/judge.h"
 #include "tests/support/judged_sequence.h"
 #include "tests/support/plain_model.h"
+#include "tests/support/random_run.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

@@ -13,6 +13,7 @@
 #include "platform/platform.h"
 #include "tests/platform/refusal.h"
 #include "tests/support/fault_platform.h"
+#include "tests/support/random_cases.h"
 #include "tests/support/temp_folder.h"
 
 namespace tabwerk::test {
@@ -137,6 +138,9 @@ TEST_F(LinuxFile, OpenerFollowsAReplacedName) {
   EXPECT_TRUE(platform::Close(old));
 }
 
+// A random test begins anew with the next seed after so many.
+constexpr int kTexts = 100;
+
 // A random decimal text around the interesting lengths and exponents.
 std::string RandomDecimal(std::mt19937* random) {
   std::string text = (*random)() % 2 != 0 ? "-" : "";
@@ -152,14 +156,16 @@ std::string RandomDecimal(std::mt19937* random) {
   return text + "e" + std::to_string(exponent);
 }
 
-TEST(LinuxNumbers, AgreeWithTheSystemsOwn) {
-  std::mt19937 random(20240501);
-  for (int round = 0; round < 20'000; ++round) {
-    std::string const text = RandomDecimal(&random);
-    ASSERT_EQ(std::strtod(text.c_str(), nullptr),
-              platform::ParseReal(zWString::fromLatin1(text).view()))
-        << text;
-  }
+TEST(LinuxNumbers, RandomOnesAgreeWithTheSystemsOwn) {
+  JudgeRandomly(20'000, kTexts, [](std::uint32_t seed) {
+    std::mt19937 random(seed);
+    for (int i = 0; i < kTexts; ++i) {
+      std::string const text = RandomDecimal(&random);
+      ASSERT_EQ(std::strtod(text.c_str(), nullptr),
+                platform::ParseReal(zWString::fromLatin1(text).view()))
+          << text;
+    }
+  });
 }
 
 // A random hexadecimal text around the interesting lengths and exponents.
@@ -177,14 +183,16 @@ std::string RandomHexadecimal(std::mt19937* random) {
   return text + "p" + std::to_string(exponent);
 }
 
-TEST(LinuxNumbers, HexadecimalAgreesWithTheSystemsOwn) {
-  std::mt19937 random(20240502);
-  for (int round = 0; round < 20'000; ++round) {
-    std::string const text = RandomHexadecimal(&random);
-    ASSERT_EQ(std::strtod(text.c_str(), nullptr),
-              platform::ParseReal(zWString::fromLatin1(text).view()))
-        << text;
-  }
+TEST(LinuxNumbers, RandomHexadecimalOnesAgreeWithTheSystemsOwn) {
+  JudgeRandomly(20'000, kTexts, [](std::uint32_t seed) {
+    std::mt19937 random(seed);
+    for (int i = 0; i < kTexts; ++i) {
+      std::string const text = RandomHexadecimal(&random);
+      ASSERT_EQ(std::strtod(text.c_str(), nullptr),
+                platform::ParseReal(zWString::fromLatin1(text).view()))
+          << text;
+    }
+  });
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "tests/support/processor_time.h"
+#include "tests/support/random_cases.h"
 #include "ztypes.h"
 
 namespace tabwerk::test {
@@ -159,14 +160,17 @@ double DoubleOf(std::uint64_t bits) {
   return value;
 }
 
-TEST(ParseReal, ReadsBackWhatATextIsMadeOf) {
-  std::mt19937_64 random(20240503);
-  for (int round = 0; round < 20'000; ++round) {
-    double const value = DoubleOf(random());
-    if (!std::isnan(value)) {
-      ASSERT_EQ(value, ParseReal(zWString(value, 0).view()));
+TEST(ParseReal, ReadsBackWhatRandomNumbersAreAsTexts) {
+  constexpr int kNumbers = 100;
+  JudgeRandomly(20'000, kNumbers, [](std::uint32_t seed) {
+    std::mt19937_64 random(seed);
+    for (int i = 0; i < kNumbers; ++i) {
+      double const value = DoubleOf(random());
+      if (!std::isnan(value)) {
+        ASSERT_EQ(value, ParseReal(zWString(value, 0).view()));
+      }
     }
-  }
+  });
 }
 
 // Sets a locale with a decimal comma while it lives, where the system has one.

@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 
 #include "schema/bytes.h"
 #include "schema/part.h"
@@ -30,19 +29,6 @@ std::string Hex(unsigned char const* bytes, std::size_t size) {
 }
 
 }  // namespace
-
-std::uint32_t Setting(char const* variable, std::uint32_t fallback) {
-  char const* const text = std::getenv(variable);
-  if (text == nullptr || *text == '\0') return fallback;
-  return static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10));
-}
-
-std::uint32_t FirstSeed() { return Setting("TABWERK_SEED", 1); }
-
-int OperationCount(int fallback) {
-  return static_cast<int>(
-      Setting("TABWERK_OPERATIONS", static_cast<std::uint32_t>(fallback)));
-}
 
 std::wstring WideText(std::u16string const& units) {
   return zWString(units).toStdWString();

@@ -1,9 +1,7 @@
-// What the judged random sequences share: their length and seed, and how
-// values are shown.
+// What the judged random sequences share: how values are shown.
 #ifndef TABWERK_TESTS_SUPPORT_JUDGE_H
 #define TABWERK_TESTS_SUPPORT_JUDGE_H
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,13 +11,6 @@
 #include "ztypes.h"
 
 namespace tabwerk::test {
-
-// Value of an environment variable as a number; fallback without one.
-std::uint32_t Setting(char const* variable, std::uint32_t fallback);
-// The seed of the first sequence (TABWERK_SEED) and the number of operations
-// in all (TABWERK_OPERATIONS).
-std::uint32_t FirstSeed();
-int OperationCount(int fallback);
 
 // What one operation did: its text, and what the plain model and the library
 // answered.

@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <regex>
 #include <string>
 
 #include "table/pattern.h"
+#include "tests/support/random_run.h"
 #include "tests/support/standard_regex.h"
 #include "tests/support/sweep.h"
 #include "tests/support/table_builder.h"
@@ -99,12 +99,6 @@ class SweepPatterns : public testing::Test {
     EXPECT_EQ(got, unasked)
         << "seed " << seed << ", unasked: " << Units(pattern) << " on "
         << Units(text);
-  }
-
-  // TABWERK_SEED, else 1.
-  static std::uint32_t FirstSeed() {
-    char const* const seed = std::getenv("TABWERK_SEED");
-    return seed == nullptr ? 1 : static_cast<std::uint32_t>(std::atol(seed));
   }
 
   std::uint32_t const seed_ = FirstSeed();

@@ -5,6 +5,7 @@
 
 #include "tests/support/new_guard.h"
 #include "tests/support/plain_table_index.h"
+#include "tests/support/random_cases.h"
 #include "tests/support/random_table.h"
 #include "tests/support/table_builder.h"
 #include "tests/support/table_state.h"
@@ -15,6 +16,7 @@ namespace plain = tabwerk::test::plain;
 using tabwerk::test::FolgeIndexOf;
 using tabwerk::test::IdIndexOf;
 using tabwerk::test::Indices;
+using tabwerk::test::JudgeRandomly;
 using tabwerk::test::NewGuard;
 using tabwerk::test::RandomTable;
 using tabwerk::test::Selection;
@@ -91,8 +93,7 @@ TEST(IndexBuild, EmptyTableSelectsTheColumnOnly) {
 }
 
 TEST(IndexBuild, EqualsThePlainFormOnRandomTables) {
-  for (std::uint32_t seed = 1; seed <= 1500; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
+  JudgeRandomly(1500, [](std::uint32_t seed) {
     auto const fast = RandomTable(seed, 15);
     auto const slow = RandomTable(seed, 15);
     fast->table.MakeIndexID();
@@ -104,7 +105,7 @@ TEST(IndexBuild, EqualsThePlainFormOnRandomTables) {
     fast->table.MakeIndexStatus();
     plain::MakeIndexStatus(slow->table);
     ASSERT_EQ(State(*slow), State(*fast));
-  }
+  });
 }
 
 // --- Exhausted memory

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "tests/support/private_temp.h"
+#include "tests/support/random_cases.h"
 #include "tests/support/random_table.h"
 #include "tests/support/table_builder.h"
 #include "tests/support/table_state.h"
@@ -19,6 +21,7 @@ using tabwerk::TableAccess;
 using tabwerk::test::FolgeIndexOf;
 using tabwerk::test::IdIndexOf;
 using tabwerk::test::Indices;
+using tabwerk::test::JudgeRandomly;
 using tabwerk::test::RandomTable;
 using tabwerk::test::Rows;
 using tabwerk::test::Selection;
@@ -69,6 +72,7 @@ class IndexSections : public testing::Test {
     return folder_.ReadBytes("o");
   }
 
+  tabwerk::test::PrivateTemp temp_;  // in memory, where that is possible
   tabwerk::test::TempFolder folder_;
   TestTable t_;
 };
@@ -291,8 +295,7 @@ TEST_F(IndexSections, WithoutAStreamNothingHappens) {
 }
 
 TEST_F(IndexSections, WrittenIndicesReadBackOnRandomTables) {
-  for (std::uint32_t seed = 1; seed <= 200; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
+  JudgeRandomly(200, [this](std::uint32_t seed) {
     auto const one = RandomTable(seed, 20);
     auto const other = RandomTable(seed + 1, 20);
     folder_.WriteBytes("i", Written([&](FILE* f) {
@@ -306,7 +309,7 @@ TEST_F(IndexSections, WrittenIndicesReadBackOnRandomTables) {
       other->table.ReadIndexStatusNoUdate(f);
     });
     ASSERT_EQ(Indices(one->table), Indices(other->table));
-  }
+  });
 }
 
 }  // namespace

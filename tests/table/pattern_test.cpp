@@ -9,13 +9,16 @@
 #include <regex>
 #include <string>
 
+#include "tests/support/random_cases.h"
 #include "tests/support/random_table.h"
 #include "tests/support/standard_regex.h"
 
 namespace {
 
 using tabwerk::Pattern;
+using tabwerk::test::JudgeRandomly;
 using tabwerk::test::Random;
+using tabwerk::test::Shortened;
 using tabwerk::test::StandardRegex;
 namespace codes = std::regex_constants;
 
@@ -226,17 +229,17 @@ std::u16string RandomText(Random& random) {
 }
 
 TEST(PatternRandom, EqualsTheStandardLibraryOnRandomExpressions) {
-  for (std::uint32_t seed = 1; seed <= 4000; ++seed) {
+  constexpr int kTexts = 12;
+  JudgeRandomly(4000 * kTexts, kTexts, [](std::uint32_t seed) {
     Random random(seed);
     auto const expression =
         RandomExpression(random, random.Between(0, 4), false);
     Pattern pattern(expression);
     // Back-tracking would take years for some of these.
     StandardRegex const judge(expression, StandardRegex::Way::kAutomaton);
-    for (int i = 0; i < 12; ++i) {
+    for (int i = 0; i < kTexts; ++i) {
       auto const text = RandomText(random);
-      SCOPED_TRACE("seed " + std::to_string(seed) + " " +
-                   zWString(expression).toUtf8() + " on '" +
+      SCOPED_TRACE(zWString(expression).toUtf8() + " on '" +
                    zWString(text).toUtf8() + "'");
       bool const expected = judge.Matches(text);
       ASSERT_EQ(expected, pattern.Matches(text));
@@ -246,12 +249,12 @@ TEST(PatternRandom, EqualsTheStandardLibraryOnRandomExpressions) {
           pattern.MatchesStored(text + std::u16string(u"\0ab", 3));
       ASSERT_EQ(expected, stored.value_or(expected));
     }
-  }
+  });
 }
 
 TEST(PatternRandom, AcceptsWhatTheStandardLibraryAccepts) {
   constexpr char16_t kUnits[] = u"ab()[]{}?*+|^$\\.,-:=!0123dcxub";
-  for (std::uint32_t seed = 1; seed <= 20'000; ++seed) {
+  JudgeRandomly(20'000, [&](std::uint32_t seed) {
     Random random(seed);
     std::u16string expression = u"z";
     for (int i = random.Between(1, 9); i > 0; --i) {
@@ -259,13 +262,12 @@ TEST(PatternRandom, AcceptsWhatTheStandardLibraryAccepts) {
           kUnits[random.Between(0, static_cast<int>(std::size(kUnits)) - 2)];
     }
     auto const judged = StandardRegex::Refusal(expression);
-    ASSERT_EQ(judged, ErrorOf(expression))
-        << "seed " << seed << " " << zWString(expression).toUtf8();
+    ASSERT_EQ(judged, ErrorOf(expression)) << zWString(expression).toUtf8();
     // Of long expressions the parser alone is the judge.
     std::u16string const longer = std::u16string(500, u'z') + expression;
     ASSERT_EQ(judged.has_value(), ErrorOf(longer).has_value())
-        << "seed " << seed << " " << zWString(expression).toUtf8();
-  }
+        << zWString(expression).toUtf8();
+  });
 }
 
 // Each of the units in turn, in an expression that tells them apart.
@@ -292,18 +294,25 @@ TEST(Pattern, ManyKindsOfUnitsAreToldApart) {
 }
 
 // The expression has more states than are remembered.
-TEST(Pattern, ManyStatesAreToldApart) {
-  Pattern pattern(u"(a|b)*a(a|b){12}");
-  std::mt19937 random(1);
-  std::u16string text;
-  for (int i = 0; i < 3000; ++i) text += random() % 2 == 0 ? u'a' : u'b';
-  for (std::size_t size = 13; size <= text.size(); size += 7) {
-    auto const start = text.substr(0, size);
-    bool const expected = start[size - 13] == u'a';
-    ASSERT_EQ(expected, pattern.Matches(start)) << size;
-    auto const stored = pattern.MatchesStored(start);
-    ASSERT_TRUE(!stored || *stored == expected) << size;
-  }
+TEST(Pattern, ManyStatesAreToldApartOnRandomTexts) {
+  constexpr int kTexts = 400;
+  int const texts = Shortened(kTexts);
+  JudgeRandomly(kTexts, texts, [texts](std::uint32_t seed) {
+    Pattern pattern(u"(a|b)*a(a|b){12}");
+    std::mt19937 random(seed);
+    std::u16string text;
+    for (int i = 0; i < 7 * kTexts; ++i) {
+      text += random() % 2 == 0 ? u'a' : u'b';
+    }
+    auto const distance = text.size() / static_cast<std::size_t>(texts);
+    for (std::size_t size = 13; size <= text.size(); size += distance) {
+      auto const start = text.substr(0, size);
+      bool const expected = start[size - 13] == u'a';
+      ASSERT_EQ(expected, pattern.Matches(start)) << size;
+      auto const stored = pattern.MatchesStored(start);
+      ASSERT_TRUE(!stored || *stored == expected) << size;
+    }
+  });
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "schema/bytes.h"
 #include "tests/support/plain_table_index.h"
 #include "tests/support/processor_time.h"
+#include "tests/support/random_cases.h"
 #include "tests/support/random_table.h"
 #include "tests/support/table_builder.h"
 #include "tests/support/table_state.h"
@@ -16,10 +17,12 @@ namespace {
 namespace plain = tabwerk::test::plain;
 using tabwerk::TableAccess;
 using tabwerk::test::Indices;
+using tabwerk::test::JudgeRandomly;
 using tabwerk::test::ProcessorTime;
 using tabwerk::test::RandomTable;
 using tabwerk::test::Rows;
 using tabwerk::test::Selection;
+using tabwerk::test::Shortened;
 using tabwerk::test::State;
 using tabwerk::test::TestTable;
 
@@ -145,8 +148,7 @@ TEST(Resort, EmptyTableGetsEmptyIndices) {
 }
 
 TEST(Resort, EqualsThePlainFormOnRandomTables) {
-  for (std::uint32_t seed = 1; seed <= 6000; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
+  JudgeRandomly(6000, [](std::uint32_t seed) {
     int const rows = seed % 3 == 0 ? 25 : 7;
     auto const fast = RandomTable(seed, rows);
     auto const slow = RandomTable(seed, rows);
@@ -155,28 +157,29 @@ TEST(Resort, EqualsThePlainFormOnRandomTables) {
       plain::ResortIndexId(slow->table);
       ASSERT_EQ(State(*slow), State(*fast)) << "round " << round;
     }
-  }
+  });
 }
 
-TEST(Resort, MillionRowsTakeNoQuadraticTime) {
-  constexpr std::int32_t kRows = 1'000'000;
+TEST(Resort, ManyRowsTakeNoQuadraticTime) {
+  std::int32_t const rows = Shortened(1'000'000);
   TestTable t(kDefinition);
-  ASSERT_NE(nullptr, t.table.SetMemory(std::size_t{12} * kRows, 0));
-  t.Part(0).row_count = kRows;
-  for (std::int32_t row = 0; row < kRows; ++row) {
+  ASSERT_NE(nullptr, t.table.SetMemory(
+                         std::size_t{12} * static_cast<std::size_t>(rows), 0));
+  t.Part(0).row_count = rows;
+  for (std::int32_t row = 0; row < rows; ++row) {
     std::byte* const record = t.Part(0).rows.data() + std::ptrdiff_t{12} * row;
     tabwerk::StoreValue(record, row * 2);
-    tabwerk::StoreValue(record + 4, kRows - row);
+    tabwerk::StoreValue(record + 4, rows - row);
   }
   MakeIndices(t.table);
   // Half of the rows are new to the recorded order.
-  for (std::size_t i = 1; i <= kRows; i += 2) {
+  for (std::size_t i = 1; i <= static_cast<std::size_t>(rows); i += 2) {
     TableAccess::Folge(t.table)[i] = -1;
   }
   ProcessorTime const time;
   t.table.ResortIndexID();
   double const seconds = time.Seconds();
-  EXPECT_EQ(kRows - 1, t.table.GetRowByFolge(1));
+  EXPECT_EQ(rows - 1, t.table.GetRowByFolge(1));
   // A fraction of a second; step by step it would be an hour.
   EXPECT_LT(seconds, 20);
 }

@@ -2,13 +2,13 @@
 // decides most of them without a translation.  Judged by reading every row.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "DBbase.h"
 #include "schema/text_scan.h"
 #include "table/pattern.h"
+#include "tests/support/random_cases.h"
 #include "tests/support/random_table.h"
 #include "tests/support/table_builder.h"
 
@@ -16,16 +16,9 @@ namespace {
 
 using tabwerk::Pattern;
 using tabwerk::ScanText;
+using tabwerk::test::JudgeRandomly;
 using tabwerk::test::Random;
 using tabwerk::test::TestTable;
-
-// How many random cases: few in the normal run.
-std::uint32_t Cases(std::uint32_t fallback) {
-  char const* const wanted = std::getenv("TABWERK_OPERATIONS");
-  return wanted == nullptr
-             ? fallback
-             : static_cast<std::uint32_t>(std::strtoul(wanted, nullptr, 10));
-}
 
 // Texts that begin, end and interrupt sections in every way.
 std::string RandomText(Random& random) {
@@ -64,8 +57,8 @@ class SectionSearch : public testing::Test {
   }
 };
 
-TEST_F(SectionSearch, TextIsFoundInTheFirstRowThatReadsSo) {
-  for (std::uint32_t seed = 1; seed <= Cases(3000); ++seed) {
+TEST_F(SectionSearch, RandomTextIsFoundInTheFirstRowThatReadsSo) {
+  JudgeRandomly(3000, [](std::uint32_t seed) {
     Random random(seed);
     TestTable t("integer ID,string NAME\n");
     Fill(&t, random);
@@ -78,17 +71,15 @@ TEST_F(SectionSearch, TextIsFoundInTheFirstRowThatReadsSo) {
     while (expected < texts.size() && texts[expected] != wanted) ++expected;
     bool const there = expected < texts.size();
     ASSERT_EQ(there ? 1 : 0,
-              t.table.SelectZeile("NAME", wanted.toStdWString().c_str()))
-        << "seed " << seed;
-    if (!there) continue;
+              t.table.SelectZeile("NAME", wanted.toStdWString().c_str()));
+    if (!there) return;
     ASSERT_EQ(static_cast<long>(expected),
-              tabwerk::TableAccess::CurrentRow(t.table))
-        << "seed " << seed;
-  }
+              tabwerk::TableAccess::CurrentRow(t.table));
+  });
 }
 
-TEST_F(SectionSearch, PatternFindsTheRowsThatReadSo) {
-  for (std::uint32_t seed = 1; seed <= Cases(1500); ++seed) {
+TEST_F(SectionSearch, PatternFindsTheRandomTextsThatReadSo) {
+  JudgeRandomly(1500, [](std::uint32_t seed) {
     Random random(seed);
     TestTable t("integer ID,string NAME\n");
     Fill(&t, random);
@@ -102,13 +93,12 @@ TEST_F(SectionSearch, PatternFindsTheRowsThatReadSo) {
         expected.push_back(static_cast<long>(row));
       }
     }
-    ASSERT_EQ(expected, t.table.FindRows("NAME", expression, false))
-        << "seed " << seed;
-  }
+    ASSERT_EQ(expected, t.table.FindRows("NAME", expression, false));
+  });
 }
 
-TEST(TextScan, EndsAtTheNulAndTellsOfSectionsBeforeIt) {
-  for (std::uint32_t seed = 1; seed <= Cases(20000); ++seed) {
+TEST(TextScan, OfRandomUnitsEndsAtTheNulAndTellsOfSectionsBeforeIt) {
+  JudgeRandomly(20000, [](std::uint32_t seed) {
     Random random(seed);
     std::u16string units;
     for (int i = random.Between(0, 20); i > 0; --i) {
@@ -118,10 +108,9 @@ TEST(TextScan, EndsAtTheNulAndTellsOfSectionsBeforeIt) {
     }
     std::u16string const expected = units.substr(0, units.find(u'\0'));
     auto const found = ScanText(units);
-    ASSERT_EQ(expected, found.text) << "seed " << seed;
-    ASSERT_EQ(expected.find(u'#') != expected.npos, found.has_section_start)
-        << "seed " << seed;
-  }
+    ASSERT_EQ(expected, found.text);
+    ASSERT_EQ(expected.find(u'#') != expected.npos, found.has_section_start);
+  });
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "tests/support/plain_table_search.h"
+#include "tests/support/random_cases.h"
 #include "tests/support/random_table.h"
 #include "tests/support/table_builder.h"
 #include "tests/support/table_state.h"
@@ -11,6 +12,7 @@
 namespace {
 
 namespace plain = tabwerk::test::plain;
+using tabwerk::test::JudgeRandomly;
 using tabwerk::test::RandomTable;
 using tabwerk::test::Selected;
 using tabwerk::test::Selection;
@@ -135,14 +137,13 @@ TEST(AnzahlAktiveZeilen, StatusThatIsNoIntegerLeavesRowZeroSelected) {
 }
 
 TEST(AnzahlAktiveZeilen, EqualsThePlainFormOnRandomTables) {
-  for (std::uint32_t seed = 1; seed <= 1000; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
+  JudgeRandomly(1000, [](std::uint32_t seed) {
     auto const fast = RandomTable(seed, 12);
     auto const slow = RandomTable(seed, 12);
     ASSERT_EQ(plain::CountActive(slow->table),
               fast->table.GetAnzahlAktiveZeilen());
     ASSERT_EQ(State(*slow), State(*fast));
-  }
+  });
 }
 
 }  // namespace
