@@ -98,5 +98,72 @@ TEST_F(ToolConvert, RefusesATextThatCannotBeSaved) {
   EXPECT_EQ(6, run.exit_code);
 }
 
+TEST_F(ToolConvert, CarriesColumnsOfOneName) {
+  PlainTable const table{"T",
+                         "integer ID,integer NAME,string NAME,string NAME\n",
+                         {"1|7|Anna|Berta", "2|8|Carl|Dora"}};
+  MakeDatabase("old.db", {PlainHeader::k2018, 0, {table}});
+  auto const run = Run({"convert", "old.db", "-o", "new.db"});
+  EXPECT_EQ("", run.err);
+  EXPECT_EQ(0, run.exit_code);
+  EXPECT_EQ("[1|7|Anna|Berta][2|8|Carl|Dora]", Rows("new.db", "T"));
+}
+
+TEST_F(ToolConvert, RefusesALongTextInTheSecondColumnOfAName) {
+  MakeDatabase(
+      "old.db",
+      {PlainHeader::k2018,
+       0,
+       {{"T", "string NAME,string NAME\n", {"x|" + std::string(8096, 'y')}}}});
+  auto const run = RunToLook({"convert", "old.db", "-o", "new.db"});
+  EXPECT_EQ(0U, run.err.find("old.db: error[TW624]: table T, row 0, column "
+                             "NAME: the text has 8096 "))
+      << run.err;
+}
+
+TEST_F(ToolConvert, TellsOfATypeThatItDoesNotKnow) {
+  MakeDatabase("old.db",
+               {PlainHeader::k2018, 0, {{"T", "integer ID,date DAY\n", {}}}});
+  auto const run = Run({"convert", "old.db", "-o", "new.db"});
+  EXPECT_EQ(
+      "old.db:@12: warning[TW328]: table T, column DAY: its type is not known "
+      "and becomes \"unknown\"; it holds no value, before and after\n",
+      run.err);
+  EXPECT_EQ(0, run.exit_code);
+}
+
+TEST_F(ToolConvert, RefusesWithThePlaceWhatWouldBeLost) {
+  PlainTable const table{"T", "integer ID\n", {"1", "2"}};
+  auto const refusal = [this](PlainDatabase const& database) {
+    MakeDatabase("old.db", database);
+    auto const run = RunToLook({"convert", "old.db", "-o", "new.db"});
+    EXPECT_EQ(1, run.exit_code);
+    return run.err.substr(0, run.err.find(';'));
+  };
+  EXPECT_EQ(
+      "old.db:@51: error[TW323]: table T: an earlier table has the same name, "
+      "so that one of them would be lost",
+      refusal({PlainHeader::k2018, 0, {table, table}}));
+  EXPECT_EQ(
+      "old.db:@12: error[TW329]: table T: its definition cannot be written as "
+      "it was read (a name of 64 characters or more?)",
+      refusal({PlainHeader::k2018,
+               0,
+               {{"T", "integer " + std::string(64, 'N') + "\n", {"1"}}}}));
+}
+
+TEST_F(ToolConvert, RefusesToDropBytesOfAColumnWithoutAType) {
+  // Four bytes for each of its values.
+  MakeDatabase("old.db", {PlainHeader::k2018,
+                          0,
+                          {{"T", "integer ID,date DAY\n", {"1|2", "3|4"}}}});
+  auto const run = RunToLook({"convert", "old.db", "-o", "new.db"});
+  EXPECT_EQ(0U, run.err.find("old.db:@77: error[TW342]: table T: 8 bytes of "
+                             "the row block stand behind its last row, and "
+                             "would be lost; "))
+      << run.err;
+  EXPECT_EQ(1, run.exit_code);
+}
+
 }  // namespace
 }  // namespace tabwerk::test
