@@ -96,7 +96,8 @@ class FindTextCommand : public Command {
     if (auto problem = FindTexts(*table, pattern, language_, &hits)) {
       return problem;
     }
-    auto const fields = FieldsOf(*table->GetDirEntry(false)->GetDefinition());
+    auto const columns =
+        ColumnNames(*table->GetDirEntry(false)->GetDefinition());
     long const main_rows = table->GetDirEntry(false)->GetPartRows(0);
     for (TextHit& hit : hits) {
       if (!out.WantsMore()) break;
@@ -104,8 +105,7 @@ class FindTextCommand : public Command {
       if (hit.language) language = std::int64_t{*hit.language};
       out.Add({hit.row < main_rows ? "main" : "user", name,
                std::int64_t{hit.row}, IdOf(*table, hit.row),
-               NameToUtf8(fields[hit.column]->name), language,
-               std::move(hit.text)});
+               columns[hit.column], language, std::move(hit.text)});
     }
     return std::nullopt;
   }

@@ -1,9 +1,9 @@
 #include "cli/diff_columns.h"
 
 #include <algorithm>
-#include <set>
 
 #include "cli/files.h"
+#include "cli/table_list.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -25,12 +25,11 @@ bool DiffOptions::WantsColumn(std::string const& name) const {
 std::vector<DiffColumn> DiffColumns(SnapshotTable const& table,
                                     DiffOptions const& options) {
   std::vector<DiffColumn> columns;
-  std::set<std::string> names;
-  for (DBFeld const* field = table.definition.GetDefinition(); field != nullptr;
-       field = field->next) {
-    std::string const name = NameToUtf8(field->name);
-    if (options.WantsColumn(name) && names.insert(name).second) {
-      columns.push_back({name, field});
+  auto const fields = FieldsOf(table.definition);
+  auto const names = ColumnNames(table.definition);
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (options.WantsColumn(NameToUtf8(fields[i]->name))) {
+      columns.push_back({names[i], fields[i]});
     }
   }
   return columns;

@@ -28,7 +28,7 @@ struct DiffColumn {
   DBFeld const* field;
 };
 
-// The columns to be compared.  Of several with one name the first counts.
+// The columns to be compared, with the names of ColumnNames.
 std::vector<DiffColumn> DiffColumns(SnapshotTable const& table,
                                     DiffOptions const& options);
 // The column that rows are told apart by; null when there is none.

@@ -1,12 +1,11 @@
 #include "cli/row_formats.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "cli/text.h"
 
@@ -74,14 +73,10 @@ std::string JsonText(nlohmann::json const& value) {
 // As they are written; a second column of one name gets another key.
 std::vector<std::string> KeysOf(std::vector<ColumnHead> const& columns) {
   std::vector<std::string> keys;
-  std::set<std::string> taken;
-  for (ColumnHead const& column : columns) {
-    std::string name = column.name;
-    for (int i = 2; !taken.insert(name).second; ++i) {
-      name = fmt::format("{}_{}", column.name, i);
-    }
-    keys.push_back(JsonText(name));
-  }
+  keys.reserve(columns.size());
+  for (ColumnHead const& column : columns) keys.push_back(column.name);
+  keys = UniqueNames(std::move(keys));
+  for (std::string& key : keys) key = JsonText(key);
   return keys;
 }
 

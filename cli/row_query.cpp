@@ -6,9 +6,9 @@
 
 #include "DBDirectory.h"
 #include "DBbase.h"
-#include "cli/files.h"
 #include "cli/options.h"
 #include "cli/patterns.h"
+#include "cli/sole_column.h"
 #include "cli/table_list.h"
 #include "ztypes.h"
 
@@ -45,13 +45,12 @@ Problem NoNumber(std::string const& column, std::string const& value) {
           "write a number as in 7 or 0.5"};
 }
 
-std::string ColumnNames(DBTabelle& table) {
-  std::string names;
-  for (DBFeld const* field :
-       FieldsOf(*table.GetDirEntry(false)->GetDefinition())) {
-    names += (names.empty() ? "" : ", ") + NameToUtf8(field->name);
+std::string Joined(std::vector<std::string> const& names) {
+  std::string text;
+  for (std::string const& name : names) {
+    text += (text.empty() ? "" : ", ") + name;
   }
-  return names;
+  return text;
 }
 
 void AddConditions(Options& options, RowQuery* query) {
@@ -107,7 +106,7 @@ std::optional<Problem> RowChoice::Apply(RowQuery const& query) {
   if (!query.part.empty()) KeepPart(query.part == "user");
   if (!query.rows.empty()) KeepRows(query.rows);
   if (!query.ids.empty()) {
-    if (auto problem = SelectColumn("ID", nullptr)) return problem;
+    if (auto problem = SelectColumn("ID")) return problem;
     KeepIds(query.ids);
   }
   for (std::string const& condition : query.where) {
@@ -164,17 +163,26 @@ void RowChoice::KeepPart(bool user) {
   }
 }
 
-std::optional<Problem> RowChoice::SelectColumn(std::string const& name,
-                                               std::string* column) {
-  // Column names are 8-bit texts; a script in UTF-8 makes names of its bytes.
-  for (std::string const& spelling :
-       {zWString::fromUtf8(name).toLatin1(), name}) {
-    if (table_.SelectColumn(spelling.c_str()) == 0) continue;
-    if (column != nullptr) *column = spelling;
+std::optional<Problem> RowChoice::FindColumn(std::string const& name,
+                                             DBFeld const** field) {
+  DBDefinition const& definition = *table_.GetDirEntry(false)->GetDefinition();
+  auto const fields = FieldsOf(definition);
+  auto const names = ColumnNames(definition);
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    // A script in UTF-8 makes names of its bytes.
+    if (names[i] != name && fields[i]->name != name) continue;
+    *field = fields[i];
     return std::nullopt;
   }
   return Problem{TW(107), "", "there is no column " + name,
-                 "the columns are " + ColumnNames(table_)};
+                 "the columns are " + Joined(names)};
+}
+
+std::optional<Problem> RowChoice::SelectColumn(std::string const& name) {
+  DBFeld const* field = nullptr;
+  if (auto problem = FindColumn(name, &field)) return problem;
+  SelectField(table_, *field);
+  return std::nullopt;
 }
 
 std::vector<short> RowChoice::Languages(char const* column) {
@@ -185,10 +193,9 @@ std::vector<short> RowChoice::Languages(char const* column) {
   return languages;
 }
 
-std::vector<bool> RowChoice::RowsWithInteger(std::string const& column,
-                                             long value) {
+std::vector<bool> RowChoice::RowsWithInteger(char const* column, long value) {
   std::vector<bool> rows(Size());
-  table_.SelectColumn(column.c_str());
+  table_.SelectColumn(column);
   for (std::size_t i = 0; i < Size(); ++i) {
     table_.SelectZeile(static_cast<long>(i));
     long found = 0;
@@ -197,8 +204,9 @@ std::vector<bool> RowChoice::RowsWithInteger(std::string const& column,
   return rows;
 }
 
-std::vector<bool> RowChoice::RowsWithReal(double value) {
+std::vector<bool> RowChoice::RowsWithReal(char const* column, double value) {
   std::vector<bool> rows(Size());
+  table_.SelectColumn(column);
   for (std::size_t i = 0; i < Size(); ++i) {
     table_.SelectZeile(static_cast<long>(i));
     double found = 0;
@@ -207,13 +215,13 @@ std::vector<bool> RowChoice::RowsWithReal(double value) {
   return rows;
 }
 
-std::vector<bool> RowChoice::RowsWithText(std::string const& column,
+std::vector<bool> RowChoice::RowsWithText(char const* column,
                                           std::string const& value) {
   zWString const wanted = zWString::fromUtf8(value);
   std::vector<bool> rows(Size());
-  for (short const language : Languages(column.c_str())) {
+  for (short const language : Languages(column)) {
     DBbase::SetSprache(language);
-    table_.SelectColumn(column.c_str());
+    table_.SelectColumn(column);
     zWString found;
     for (std::size_t i = 0; i < Size(); ++i) {
       table_.SelectZeile(static_cast<long>(i));
@@ -226,19 +234,20 @@ std::vector<bool> RowChoice::RowsWithText(std::string const& column,
 std::optional<Problem> RowChoice::KeepEqual(std::string const& condition) {
   std::string name;
   std::string value;
-  std::string column;
+  DBFeld const* field = nullptr;
   if (auto problem = Split(condition, "--where", &name, &value)) return problem;
-  if (auto problem = SelectColumn(name, &column)) return problem;
-  if (table_.GetType() == DBTypeInteger) {
+  if (auto problem = FindColumn(name, &field)) return problem;
+  SoleColumn const sole(table_, *field);
+  if (field->type == DBTypeInteger) {
     long number = 0;
     if (!Parse(value, &number)) return NoNumber(name, value);
-    Keep(RowsWithInteger(column, number));
-  } else if (table_.GetType() == DBTypeReal) {
+    Keep(RowsWithInteger(field->name, number));
+  } else if (field->type == DBTypeReal) {
     double number = 0;
     if (!Parse(value, &number)) return NoNumber(name, value);
-    Keep(RowsWithReal(number));
+    Keep(RowsWithReal(field->name, number));
   } else {
-    Keep(RowsWithText(column, value));
+    Keep(RowsWithText(field->name, value));
   }
   return std::nullopt;
 }
@@ -246,20 +255,21 @@ std::optional<Problem> RowChoice::KeepEqual(std::string const& condition) {
 std::optional<Problem> RowChoice::KeepMatches(std::string const& condition) {
   std::string name;
   std::string pattern;
-  std::string column;
+  DBFeld const* field = nullptr;
   if (auto problem = Split(condition, "--match", &name, &pattern)) {
     return problem;
   }
-  if (auto problem = SelectColumn(name, &column)) return problem;
-  if (table_.GetType() != DBTypeString) {
+  if (auto problem = FindColumn(name, &field)) return problem;
+  if (field->type != DBTypeString) {
     return Problem{TW(133), "", "column " + name + " holds no texts",
                    "write --where " + name + "=VALUE"};
   }
+  SoleColumn const sole(table_, *field);
   std::vector<bool> rows(Size());
-  for (short const language : Languages(column.c_str())) {
+  for (short const language : Languages(field->name)) {
     DBbase::SetSprache(language);
     std::vector<long> found;
-    auto problem = FindByPattern(table_, column.c_str(), pattern, &found);
+    auto problem = FindByPattern(table_, field->name, pattern, &found);
     if (problem) return problem;
     for (long const row : found) rows[static_cast<std::size_t>(row)] = true;
   }
@@ -268,7 +278,7 @@ std::optional<Problem> RowChoice::KeepMatches(std::string const& condition) {
 }
 
 std::optional<Problem> RowChoice::KeepActive() {
-  if (auto problem = SelectColumn("STATUS", nullptr)) return problem;
+  if (auto problem = SelectColumn("STATUS")) return problem;
   Keep(RowsWithInteger("STATUS", 0));
   return std::nullopt;
 }
@@ -282,7 +292,7 @@ std::optional<Problem> RowChoice::Order(std::string const& order) {
     rows_.push_back(row);
   };
   if (order == "folge") {
-    if (auto problem = SelectColumn("FOLGE", nullptr)) return problem;
+    if (auto problem = SelectColumn("FOLGE")) return problem;
     // Without a user file there are no indices.
     if (table_.MaxFolge() == 0) table_.MakeIndexFolge();
     // Places count from 1; 0 is none.
@@ -293,7 +303,7 @@ std::optional<Problem> RowChoice::Order(std::string const& order) {
   }
   for (std::size_t i = 0; i < left.size(); ++i) take(static_cast<long>(i));
   if (order != "id") return std::nullopt;
-  if (auto problem = SelectColumn("ID", nullptr)) return problem;
+  if (auto problem = SelectColumn("ID")) return problem;
   std::vector<std::pair<long, long>> keys;
   for (long const row : rows_) {
     table_.SelectZeile(row);

@@ -54,13 +54,13 @@ class RowChoice {
   std::optional<Problem> KeepActive();
   std::optional<Problem> Order(std::string const& order);
 
-  std::optional<Problem> SelectColumn(std::string const& name,
-                                      std::string* column);
+  std::optional<Problem> FindColumn(std::string const& name,
+                                    DBFeld const** field);
+  std::optional<Problem> SelectColumn(std::string const& name);
   std::vector<short> Languages(char const* column);
-  std::vector<bool> RowsWithInteger(std::string const& column, long value);
-  std::vector<bool> RowsWithReal(double value);
-  std::vector<bool> RowsWithText(std::string const& column,
-                                 std::string const& value);
+  std::vector<bool> RowsWithInteger(char const* column, long value);
+  std::vector<bool> RowsWithReal(char const* column, double value);
+  std::vector<bool> RowsWithText(char const* column, std::string const& value);
   std::size_t Size() const { return chosen_.size(); }
 
   DBTabelle& table_;

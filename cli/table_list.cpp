@@ -1,6 +1,10 @@
 #include "cli/table_list.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "cli/files.h"
+#include "cli/text.h"
 
 namespace tabwerk::tool {
 
@@ -22,6 +26,14 @@ std::vector<DBFeld const*> FieldsOf(DBDefinition const& definition) {
     fields.push_back(field);
   }
   return fields;
+}
+
+std::vector<std::string> ColumnNames(DBDefinition const& definition) {
+  std::vector<std::string> names;
+  for (DBFeld const* field : FieldsOf(definition)) {
+    names.push_back(NameToUtf8(field->name));
+  }
+  return UniqueNames(std::move(names));
 }
 
 char const* TypeName(DBType type) {

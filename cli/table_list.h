@@ -2,6 +2,7 @@
 #ifndef TABWERK_CLI_TABLE_LIST_H
 #define TABWERK_CLI_TABLE_LIST_H
 
+#include <string>
 #include <vector>
 
 #include "DBDirectory.h"
@@ -13,6 +14,9 @@ std::vector<DBDirEntry*> TablesInFileOrder(DBDirectory const& directory);
 
 // The fields of a definition, which owns them.
 std::vector<DBFeld const*> FieldsOf(DBDefinition const& definition);
+
+// Their names in UTF-8, each one once: a second NAME is NAME_2.
+std::vector<std::string> ColumnNames(DBDefinition const& definition);
 
 // "integer", "real", "string" or "unknown".
 char const* TypeName(DBType type);

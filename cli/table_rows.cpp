@@ -5,8 +5,8 @@
 
 #include "DBDirectory.h"
 #include "DBbase.h"
-#include "cli/files.h"
 #include "cli/progress.h"
+#include "cli/sole_column.h"
 #include "cli/table_list.h"
 #include "cli/translated_text.h"
 #include "ztypes.h"
@@ -32,6 +32,7 @@ TableRows::TableRows(DBTabelle& table)
 void TableRows::SplitLanguages() {
   std::vector<Column> split;
   for (Column const& column : columns_) {
+    SoleColumn const sole(table_, *column.field);
     int const count = LanguageCount(table_, column.field->name);
     for (int i = 0; i < std::max(count, 1); ++i) {
       split.push_back({column.field, static_cast<short>(i)});
@@ -42,12 +43,15 @@ void TableRows::SplitLanguages() {
 
 std::vector<ColumnHead> TableRows::Heads() const {
   std::vector<ColumnHead> heads;
+  auto const names = ColumnNames(*table_.GetDirEntry(false)->GetDefinition());
+  std::size_t field = 0;
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     Column const& column = columns_[i];
+    if (i > 0 && columns_[i - 1].field != column.field) ++field;
     auto const is_same = [&](std::size_t other) {
       return other < columns_.size() && columns_[other].field == column.field;
     };
-    std::string name = NameToUtf8(column.field->name);
+    std::string name = names[field];
     if (is_same(i + 1) || (i > 0 && is_same(i - 1))) {
       name += "." + std::to_string(*column.language);
     }
@@ -68,7 +72,7 @@ std::vector<Cell> TableRows::Row(long row, TableOut const& out) {
 Cell TableRows::Value(Column const& column) {
   DBFeld const& field = *column.field;
   if (column.language) DBbase::SetSprache(*column.language);
-  if (table_.SelectColumn(field.name) == 0) return {};
+  if (!SelectField(table_, field)) return {};
   switch (field.type) {
     case DBTypeInteger: {
       long value = 0;

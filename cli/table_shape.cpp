@@ -6,11 +6,13 @@
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "DBDirectory.h"
 #include "cli/files.h"
 #include "cli/session.h"
 #include "cli/table_list.h"
+#include "cli/text.h"
 #include "schema/layout.h"
 
 namespace tabwerk::tool {
@@ -160,10 +162,15 @@ std::string ShapesAsSql(Shapes const& tables) {
   for (TableShape const& table : tables) {
     text += fmt::format("{}CREATE TABLE {} (", text.empty() ? "" : "\n",
                         SqlName(table.name));
-    char const* between = "\n  ";
+    std::vector<std::string> names;
     for (ColumnShape const& column : table.columns) {
-      text += fmt::format("{}{} {}", between, SqlName(column.name),
-                          SqlType(column.type));
+      names.push_back(column.name);
+    }
+    names = UniqueNames(std::move(names));
+    char const* between = "\n  ";
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      text += fmt::format("{}{} {}", between, SqlName(names[i]),
+                          SqlType(table.columns[i].type));
       between = ",\n  ";
     }
     text += "\n);\n";

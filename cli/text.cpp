@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include "cli/width_table.h"
 
@@ -150,6 +151,19 @@ std::string CutToWidth(std::string const& utf8, std::size_t width) {
     kept = utf8.size() - rest.size();
   }
   return utf8.substr(0, kept) + "…";
+}
+
+std::vector<std::string> UniqueNames(std::vector<std::string> names) {
+  std::set<std::string> taken(names.begin(), names.end());
+  std::set<std::string> seen;
+  for (std::string& name : names) {
+    if (seen.insert(name).second) continue;
+    std::string const first = name;
+    for (int i = 2; !taken.insert(name).second; ++i) {
+      name = fmt::format("{}_{}", first, i);
+    }
+  }
+  return names;
 }
 
 std::string Count(long long number, char const* noun) {

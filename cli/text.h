@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tabwerk::tool {
 
@@ -27,6 +28,10 @@ std::size_t DisplayWidth(std::string_view utf8);
 // The longest start of the text that fits; the whole text, or one that ends
 // with "…".
 std::string CutToWidth(std::string const& utf8, std::size_t width);
+
+// The names, where one comes again as NAME_2, NAME_3 and so on: as none of the
+// others.
+std::vector<std::string> UniqueNames(std::vector<std::string> names);
 
 // "1 row", "2 rows".
 std::string Count(long long number, char const* noun);

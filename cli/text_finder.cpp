@@ -6,6 +6,7 @@
 #include "DBDirectory.h"
 #include "DBbase.h"
 #include "cli/patterns.h"
+#include "cli/sole_column.h"
 #include "cli/table_list.h"
 #include "ztypes.h"
 
@@ -80,6 +81,7 @@ std::optional<Problem> FindTexts(DBTabelle& table, std::string const& pattern,
   auto const before = static_cast<std::ptrdiff_t>(hits->size());
   for (std::size_t column = 0; column < fields.size(); ++column) {
     if (fields[column]->type != DBTypeString) continue;
+    SoleColumn const sole(table, *fields[column]);
     ColumnSearch search(table, fields[column]->name, column, hits);
     auto problem = language.IsAll() ? search.InAllLanguages(pattern)
                                     : search.In(language.Number(), pattern);

@@ -124,6 +124,18 @@ TEST_F(ToolDiff, ComparesRowsByNumberWithoutIds) {
   EXPECT_EQ(0, found["tables"][0]["rows"][0]["key"]);
 }
 
+TEST_F(ToolDiff, ComparesEveryColumnOfOneName) {
+  constexpr char kTwice[] = "integer ID,string NAME,real NAME\n";
+  for (auto const& [file, row] :
+       {std::pair("a.db", "1|Bolt|0.5"), std::pair("b.db", "1|Bolt|1.5")}) {
+    MakeDatabase(file, {PlainHeader::kCurrent, 1000, {{"T", kTwice, {row}}}});
+  }
+  auto const run = RunToLook({"diff", "a.db", "b.db"});
+  EXPECT_NE(std::string::npos, run.out.find("~ ID 1: NAME_2: 0.5 -> 1.5\n"))
+      << run.out;
+  EXPECT_EQ(1, run.exit_code);
+}
+
 TEST_F(ToolDiff, RefusesNamesThatThereAreNot) {
   MakePair();
   auto run = Run({"diff", "a.db", "b.db", "--tables", "article"});

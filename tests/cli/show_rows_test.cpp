@@ -214,5 +214,30 @@ TEST_F(ToolShowRows, TakeTheTableAsALastWordOrByOption) {
             rows({"STOCK.UDB", "ARTICLE", "-t", "EMPTY"}));
 }
 
+TEST_F(ToolShowRows, TellColumnsOfOneNameApart) {
+  MakeDatabase("twice.db", {PlainHeader::kCurrent,
+                            1000,
+                            {{"T",
+                              "integer ID,integer NAME,string NAME\n",
+                              {"1|7|Anna", "2|8|#TS(Nut¬Mutter)TS~"}}}});
+  auto const out = [this](std::vector<std::string> const& arguments) {
+    auto const run = RunToLook(arguments);
+    return run.out + run.err;
+  };
+  EXPECT_EQ("ID\tNAME\tNAME_2\n1\t7\tAnna\n2\t8\tNut\n",
+            out({"show", "twice.db", "T"}));
+  EXPECT_EQ("NAME_2.1\nMutter\n",
+            out({"show", "twice.db", "T", "--language", "all", "--where",
+                 "NAME_2=Mutter", "--columns", "NAME_2.1"}));
+  EXPECT_EQ("ID\n1\n", out({"show", "twice.db", "T", "--match", "NAME_2=A.*",
+                            "--columns", "ID"}));
+  EXPECT_EQ("ID\tCOLUMN\tTEXT\n2\tNAME_2\tMutter\n",
+            out({"find", "Mutt", "twice.db", "--columns", "ID,COLUMN,TEXT"}));
+  EXPECT_EQ("ID,NAME,NAME_2\n1,7,Anna\n2,8,#TS(Nut¬Mutter)TS~\n",
+            out({"dump", "twice.db", "-t", "T", "--format", "csv"}));
+  EXPECT_NE(std::string::npos,
+            out({"schema", "twice.db", "--as", "sql"}).find("\"NAME_2\" TEXT"));
+}
+
 }  // namespace
 }  // namespace tabwerk::test
