@@ -72,7 +72,11 @@ bool RowWriter::WriteField(DBFeld const& field) {
   if (name == "FOLGE") return WritePlace();
   if (name == "STATUS") return WriteStatus();
   bool const unique = name == "NAME" || name == "BEZ_DIN";
-  if (unique && field.type == DBTypeString) return WriteName(field.name);
+  // Of two columns of one name the first is selected: where it holds numbers,
+  // no "_NEW" makes another value of a text.
+  bool const has_texts =
+      field.type == DBTypeString && table_.GetType() == DBTypeString;
+  if (unique && has_texts) return WriteName(field.name);
   return WriteByType(field);
 }
 

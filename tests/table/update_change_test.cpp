@@ -100,6 +100,13 @@ TEST_F(UpdateChange, NameColumnsOfOtherTypesAreOrdinaryColumns) {
   EXPECT_EQ("[1|5|2.5][2|5|2.5]", Rows(*t->entry));
 }
 
+// Behind "7_NEW" the first column reads 7 again, for ever.
+TEST_F(UpdateChange, NameBehindAnIntegerOfThatNameEndsTheWriting) {
+  auto const t = Make("integer ID,integer NAME,string NAME\n", {"1|5|a"});
+  EXPECT_FALSE(Update(*t, {{"ID", "1"}, {"NAME", "7"}}));
+  EXPECT_EQ("[1|7|a]", Rows(*t->entry));
+}
+
 TEST_F(UpdateChange, ColumnOfUnknownTypeEndsTheWritingAndKeepsWhatWasWritten) {
   auto const t = Make("integer ID,integer N,unknown X,integer M\n", {"1|0||0"});
   EXPECT_FALSE(Update(*t, {{"ID", "1"}, {"N", "5"}, {"M", "6"}}));
