@@ -124,6 +124,7 @@ class ImportCommand : public Command {
     DBTabelle* table = nullptr;
     if (auto problem = FindTable(files, table_, &table)) return problem;
     if (auto problem = CheckUserPart(files, table_, *table)) return problem;
+    if (auto problem = CheckNewRows(files, table_, *table)) return problem;
     if (auto problem = source_->Sort(*table)) return problem;
     if (source_->RejectedCount() > 0 && !write_.dry_run) {
       if (auto problem = SetAside()) return problem;

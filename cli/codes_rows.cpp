@@ -78,6 +78,15 @@ constexpr CodeEntry kRowCodes[] = {
      "Rows are found by the integer column ID; FOLGE holds their order and "
      "STATUS whether they are shown.",
      "tabwerk info stock.db"},
+    {628, "two-columns-of-one-name", "A table has two columns of one name",
+     ExitCode::kUsage,
+     "Values of a new row find their columns by name, so that a second column "
+     "of a name never gets one. Rows that are there can be shown all the same.",
+     "NEWTABLE ARTICLE\n"
+     "ID integer\n"
+     "NAME string\n"
+     "NAME2 string\n"
+     "ENDDEF"},
     {630, "no-utf8", "The text is not UTF-8", ExitCode::kFile,
      "CSV, TSV and JSON are read as UTF-8, or as UTF-16, little-endian, "
      "behind a byte-order mark.",

@@ -13,6 +13,7 @@
 #include "cli/table_out.h"
 #include "cli/text.h"
 #include "cli/translated_text.h"
+#include "cli/user_rows.h"
 #include "ztypes.h"
 
 namespace tabwerk::tool {
@@ -57,6 +58,7 @@ std::optional<Problem> RowEdit::Add(std::vector<Assignment> const& assignments,
         zWString::fromUtf8(assignment.value).toStdWString();
   }
   if (auto problem = CheckColumn("ID")) return problem;
+  if (auto problem = CheckNewRows(files_, table_name_, table_)) return problem;
   if (!table_.SetZeileWerte(values, DBTabelle::ActionAppend)) {
     return Refusal(TW(121), "there is not enough memory for the row",
                    "close other programs and try again");

@@ -1,9 +1,13 @@
 #include "cli/user_rows.h"
 
+#include <set>
+
 #include "DBDirectory.h"
 #include "DBbase.h"
 #include "cli/database_file.h"
+#include "cli/field_value.h"
 #include "cli/files.h"
+#include "cli/table_list.h"
 
 namespace tabwerk::tool {
 
@@ -30,6 +34,30 @@ std::optional<Problem> CheckUserPart(DatabaseFiles const& files,
                    "column " + NameToUtf8(field->name) + " of table " +
                        table_name + " has no type",
                    "correct the script of the main file and build it again"};
+  }
+  return std::nullopt;
+}
+
+std::optional<Problem> CheckNewRows(DatabaseFiles const& files,
+                                    std::string const& table_name,
+                                    DBTabelle& table) {
+  std::set<std::string> names;
+  for (DBFeld const* field :
+       FieldsOf(*table.GetDirEntry(true)->GetDefinition())) {
+    std::string const name = NameToUtf8(field->name);
+    if (!names.insert(name).second) {
+      return Problem{TW(628), files.main,
+                     "table " + table_name + " has two columns " + name +
+                         ", and values find the first one only",
+                     "rename the second one in the script of the main file and "
+                     "build it again"};
+    }
+    if (IsAssigned(name) && field->type != DBTypeInteger) {
+      return Problem{TW(627), files.main,
+                     "column " + name + " of table " + table_name +
+                         " is no integer, as new rows need it",
+                     "correct the script of the main file and build it again"};
+    }
   }
   return std::nullopt;
 }

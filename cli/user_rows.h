@@ -19,6 +19,12 @@ std::optional<Problem> CheckUserPart(DatabaseFiles const& files,
                                      std::string const& table_name,
                                      DBTabelle& table);
 
+// A problem when the library cannot fill the columns of a new row: values go to
+// columns by their names.
+std::optional<Problem> CheckNewRows(DatabaseFiles const& files,
+                                    std::string const& table_name,
+                                    DBTabelle& table);
+
 // Saves the user file with its index and closes the database.
 std::optional<Problem> SaveUserFile(DatabaseFiles const& files);
 

@@ -292,5 +292,27 @@ TEST_F(ToolRows, ManyRowsMoveInOneGo) {
   EXPECT_EQ(0U, Order().find("5000 1 2 3 "));
 }
 
+TEST_F(ToolRows, SaysThatATableTakesNoRows) {
+  auto const refusal = [this](std::string const& definition) {
+    MakeDatabase("odd.db",
+                 {PlainHeader::kCurrent, 1000, {{"T", definition, {}}}});
+    folder_.Make("rows.csv", "CODE\nx\n");
+    auto const run = RunToLook({"add", "odd.db", "ODD.UDB", "-t", "T"});
+    EXPECT_EQ(2, run.exit_code);
+    EXPECT_EQ(run.err, RunToLook({"import", "rows.csv", "odd.db", "ODD.UDB",
+                                  "-t", "T", "-q"})
+                           .err);
+    return run.err.substr(0, run.err.find(';'));
+  };
+  EXPECT_EQ(
+      "odd.db: error[TW628]: table T has two columns CODE, and values find the "
+      "first one only",
+      refusal("integer ID,integer CODE,string CODE\n"));
+  EXPECT_EQ(
+      "odd.db: error[TW627]: column STATUS of table T is no integer, as new "
+      "rows need it",
+      refusal("integer ID,string STATUS,string CODE\n"));
+}
+
 }  // namespace
 }  // namespace tabwerk::test
