@@ -87,7 +87,8 @@ long long DataBytes(ScriptScan const& scan) {
 class BuildCommand : public Command {
  public:
   void Declare(Options& options) override {
-    options.Add("SCRIPT", script_, "The script").Required();
+    options.Add("SCRIPT", script_, "The script; - is standard input")
+        .Required();
     AddFolderOption(options, &folder_);
     options
         .Add("--expect-version", version_,
@@ -99,19 +100,22 @@ class BuildCommand : public Command {
     AddWriteOptions(options, &write_);
     options.Notes(
         "A database that was there is replaced when the new one is complete;\n"
-        "when something goes wrong, it stays as it was.");
+        "when something goes wrong, it stays as it was.  Paths in a script, "
+        "also\n"
+        "in one from standard input, are relative to the current folder.");
   }
 
   ExitCode Run() override {
     if (auto const problem = EnterFolder(folder_)) return Report(*problem);
     std::string content;
-    if (!ReadWhole(ToPath(script_), &content)) {
-      return Report({TW(116), script_, "the script cannot be read",
+    name_ = InputName(script_);
+    if (!ReadInput(script_, &content)) {
+      return Report({TW(116), name_, "the script cannot be read",
                      "check its path and permissions"});
     }
-    ScriptScan const scan = ScanScript(script_, content);
+    ScriptScan const scan = ScanScript(name_, content);
     if (lint_) PrintFindings(scan, [](Severity, Code) { return true; });
-    return write_.dry_run ? RunDry(scan) : RunReally(scan);
+    return write_.dry_run ? RunDry(scan) : RunReally(scan, content);
   }
 
  private:
@@ -131,11 +135,11 @@ class BuildCommand : public Command {
     });
   }
 
-  ExitCode RunReally(ScriptScan const& scan) {
+  ExitCode RunReally(ScriptScan const& scan, std::string const& content) {
     if (write_.backup) {
       if (auto const problem = BackUp(scan)) return Report(*problem);
     }
-    return Build(scan, script_);
+    return script_ == "-" ? BuildOf(scan, content) : Build(scan, script_);
   }
 
   // A database that is built anew, and the index where it is a user file.
@@ -153,14 +157,18 @@ class BuildCommand : public Command {
   // Builds beside the databases, under names that are gone afterwards.
   ExitCode RunDry(ScriptScan const& scan) {
     if (scan.Failure() != nullptr) return ReportFailure(scan, DBInterpreter());
-    TemporaryFolder const folder;
-    auto const script = folder.path() / ToPath(script_).filename();
     DryRunFiles const drafts(scan);
-    if (folder.path().empty() ||
-        !WriteWhole(script, scan.WithEnding(drafts.ending()))) {
+    ending_ = drafts.ending();
+    return BuildOf(scan, scan.WithEnding(ending_));
+  }
+
+  // As if the script were a file of that content in the current folder.
+  ExitCode BuildOf(ScriptScan const& scan, std::string const& content) {
+    TemporaryFolder const folder;
+    auto const script = folder.path() / ToPath(name_).filename();
+    if (folder.path().empty() || !WriteWhole(script, content)) {
       return Report(TemporaryFolder::WhyMissing());
     }
-    ending_ = drafts.ending();
     return Build(scan, ToUtf8(script));
   }
 
@@ -174,7 +182,7 @@ class BuildCommand : public Command {
 
   int ReadScript(ScriptScan const& scan, DBInterpreter* interpreter,
                  std::string const& script) const {
-    Progress progress("building " + script_, DataBytes(scan) / kKiB, "KiB");
+    Progress progress("building " + name_, DataBytes(scan) / kKiB, "KiB");
     progress.Follow(
         [interpreter] { return interpreter->GetReadBytes() / kKiB; });
     return interpreter->ReadScript(script.c_str(),
@@ -209,11 +217,11 @@ class BuildCommand : public Command {
         zWString::fromLatin1(interpreter.GetErrorString()).toUtf8();
     std::replace(text.begin(), text.end(), '\n', ' ');
     if (interpreter.GetError() == 1) {
-      return {TW(217), script_, text,
+      return {TW(217), name_, text,
               "values behind the last column were left out; correct the data "
               "file and build again"};
     }
-    return {TW(218), script_, text,
+    return {TW(218), name_, text,
             "the rest of its data file was left out; correct the types of the "
             "columns and build again"};
   }
@@ -236,7 +244,7 @@ class BuildCommand : public Command {
     if (data_left_out && !has_losses_) code = Report(DataProblem(interpreter));
     // Without an expected version there is nothing to differ from.
     if (result == kWrittenOtherVersion && version_) {
-      code = Report({TW(219), script_,
+      code = Report({TW(219), name_,
                      "the version of the data is not \"" + *version_ + "\"",
                      "the database was built all the same; check its table "
                      "VERSION"});
@@ -256,6 +264,7 @@ class BuildCommand : public Command {
   }
 
   std::string script_;
+  std::string name_;  // of the script in messages
   std::string folder_;
   std::optional<std::string> version_;
   bool lint_ = false;

@@ -8,6 +8,7 @@
 
 #include "DBbase.h"
 #include "cli/commands.h"
+#include "cli/console.h"
 #include "cli/files.h"
 #include "cli/import_source.h"
 #include "cli/named_rows.h"
@@ -52,8 +53,8 @@ class ImportCommand : public Command {
         .Value("CHARACTER");
     options
         .Add("--rejected", rejected_file_,
-             "Write lines that do not fit to this file; ROWS.rejected "
-             "otherwise")
+             "Write lines that do not fit to this file, - is standard output; "
+             "ROWS.rejected otherwise")
         .Value("FILE");
     AddWriteOptions(options, &write_);
     options.Notes(
@@ -91,12 +92,11 @@ class ImportCommand : public Command {
   }
 
  private:
-  std::string RowsName() const {
-    return rows_file_ == "-" ? "standard-input" : rows_file_;
-  }
+  std::string RowsName() const { return InputName(rows_file_); }
   std::string RejectedFile() const {
     return rejected_file_.empty() ? RowsName() + ".rejected" : rejected_file_;
   }
+  bool RejectsToOutput() const { return rejected_file_ == "-"; }
 
   std::optional<Problem> CheckArguments() {
     if (auto problem = CheckUserFileName(files_)) return problem;
@@ -165,9 +165,13 @@ class ImportCommand : public Command {
     if (made) text += " (new)";
     if (source_->RejectedCount() > 0) {
       text += ", " + Count(source_->RejectedCount(), source_->RejectedNoun()) +
-              " rejected to " + RejectedFile();
+              " rejected to " +
+              (RejectsToOutput() ? "standard output" : RejectedFile());
     }
-    Conclude(text + ending);
+    if (!RejectsToOutput()) return Conclude(text + ending);
+    // Nothing but rows goes to where they go.
+    static_cast<void>(console::FlushOut());
+    if (!CurrentSettings().quiet) console::Err(text + ending + "\n");
   }
 
   std::string rows_file_;

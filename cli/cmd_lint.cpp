@@ -19,7 +19,8 @@ namespace {
 class LintCommand : public Command {
  public:
   void Declare(Options& options) override {
-    options.Add("SCRIPT", scripts_, "The scripts").Required();
+    options.Add("SCRIPT", scripts_, "The scripts; - is standard input")
+        .Required();
     AddFolderOption(options, &folder_);
     options
         .Add("--ignore", ignored_,
@@ -63,9 +64,10 @@ class LintCommand : public Command {
     // Findings on the same terminal are sign of life enough.
     std::optional<Progress> progress;
     bool all_read = true;
-    for (std::string const& script : scripts_) {
+    for (std::string const& path : scripts_) {
+      std::string const script = InputName(path);
       std::string content;
-      if (!ReadInput(script, &content)) {
+      if (!ReadInput(path, &content)) {
         Report({TW(116), script, "the script cannot be read",
                 "check its path and permissions"});
         all_read = false;

@@ -157,6 +157,10 @@ bool ReadInput(std::string const& path, std::string* content) {
                      : ReadWhole(ToPath(path), content);
 }
 
+std::string InputName(std::string const& path) {
+  return path == "-" ? "standard-input" : path;
+}
+
 bool WriteWhole(fs::path const& path, std::string_view content) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   if (!file) return false;

@@ -40,6 +40,8 @@ std::optional<Problem> WhyNotReplaced(std::string const& target);
                              std::string* content);
 // The same, with "-" for standard input.
 [[nodiscard]] bool ReadInput(std::string const& path, std::string* content);
+// What that input is called in messages and names of files.
+std::string InputName(std::string const& path);
 [[nodiscard]] bool WriteWhole(std::filesystem::path const& path,
                               std::string_view content);
 

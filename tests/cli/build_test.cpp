@@ -56,6 +56,38 @@ TEST_F(ToolBuild, WorksInAnotherFolder) {
   EXPECT_EQ("[1|Bolt|0.25]", Rows("süd/stock.db", "ARTICLE"));
 }
 
+TEST_F(ToolBuild, TakesTheScriptFromStandardInput) {
+  MakeInput();
+  folder_.MakeFolder("süd");
+  std::filesystem::rename(folder_.folder() / "article.txt",
+                          folder_.folder() / u8"süd" / "article.txt");
+  // Lines end in CR LF, and no text stream takes a byte of them.
+  std::string script = kScript;
+  for (std::size_t i = script.find('\n'); i != script.npos;
+       i = script.find('\n', i + 2)) {
+    script.insert(i, 1, '\r');
+  }
+  auto const dry =
+      RunWith({{"build", "-", "-C", "süd", "--dry-run"}, script, {}});
+  EXPECT_EQ(0U, dry.out.find("stock.db: built with 2 tables, 2 rows (dry run"));
+  EXPECT_FALSE(folder_.Exists("süd/stock.db"));
+  auto const run = RunWith({{"build", "-", "-C", "süd"}, script, {}});
+  EXPECT_EQ(0, run.exit_code) << run.err;
+  EXPECT_EQ("[1|Bolt|0.25][2|Größe|1]", Rows("süd/stock.db", "ARTICLE"));
+  EXPECT_FALSE(folder_.Exists("süd/standard-input"));
+}
+
+TEST_F(ToolBuild, TellsWhatIsWrongWithStandardInput) {
+  constexpr char kWrong[] = "NEWDATABASE STOCK stock.db\nNEWTABLE\n";
+  auto const run = RunWith({{"build", "-"}, kWrong, {}});
+  EXPECT_EQ(0U, run.err.find("standard-input:2:")) << run.err;
+  EXPECT_NE(0, run.exit_code);
+  EXPECT_EQ(
+      run.err.substr(0, run.err.find('\n')),
+      RunWith({{"lint", "-"}, kWrong, {}}).out.substr(0, run.err.find('\n')));
+  EXPECT_FALSE(folder_.Exists("stock.db"));
+}
+
 TEST_F(ToolBuild, ComplainsInUtf8AboutAPathThatIsNone) {
   auto const complaint = Complaint(
       "NEWDATABASE A a.db\nNEWTABLE T\nID integer\nENDDEF\n"

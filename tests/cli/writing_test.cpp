@@ -121,6 +121,19 @@ TEST_F(ToolWriting, ImportTakesStandardInputByteForByte) {
             Rows("STOCK.UDB", "ARTICLE"));
 }
 
+TEST_F(ToolWriting, RejectedLinesAloneGoToStandardOutput) {
+  auto const run = RunWith({{"import", "-", "stock.db", "STOCK.UDB", "-t",
+                             "ARTICLE", "--from", "csv", "--rejected", "-"},
+                            "NAME,PRICE\nRivet,1\nScrew,much\n",
+                            {}});
+  EXPECT_EQ("NAME,PRICE\nScrew,much\n", run.out);
+  EXPECT_NE(std::string::npos,
+            run.err.find("standard-input: 1 row added to ARTICLE in STOCK.UDB, "
+                         "1 row rejected to standard output\n"))
+      << run.err;
+  EXPECT_EQ(6, run.exit_code);
+}
+
 TEST_F(ToolWriting, RejectedLinesGoToTheNamedFile) {
   EXPECT_EQ(6, Import({"--rejected", "bad.txt"}).exit_code);
   EXPECT_FALSE(folder_.Exists("rows.txt.rejected"));
