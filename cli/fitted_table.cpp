@@ -11,8 +11,7 @@
 namespace tabwerk::tool {
 namespace {
 
-constexpr std::size_t kGap = 2;          // between two columns
-constexpr std::size_t kSmallestCut = 8;  // no column is cut below that
+constexpr std::size_t kGap = 2;  // between two columns
 constexpr std::size_t kMeasuredRows = 1000;
 
 // Takes columns of text away from the widest columns until all fit.

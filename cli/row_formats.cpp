@@ -164,7 +164,8 @@ class Markdown : public RowFormat {
 
 class List : public RowFormat {
  public:
-  explicit List(OutFile& file) : file_(file) {}
+  List(OutFile& file, std::optional<std::size_t> width)
+      : file_(file), terminal_width_(width) {}
 
   void Begin(std::vector<ColumnHead> const& columns) override {
     std::size_t widest = 0;
@@ -172,15 +173,16 @@ class List : public RowFormat {
       labels_.push_back(Escape(column.name));
       widest = std::max(widest, DisplayWidth(labels_.back()));
     }
+    label_width_ = widest + 2;
     for (std::string& label : labels_) {
-      label.append(widest - DisplayWidth(label) + 2, ' ');
+      label.append(label_width_ - DisplayWidth(label), ' ');
     }
   }
   void Add(std::vector<Cell> const& cells) override {
     std::string text = is_first_ ? "" : "\n";
     is_first_ = false;
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      std::string line = labels_[i] + Escape(CellText(cells[i]));
+      std::string line = labels_[i] + Fit(Escape(CellText(cells[i])));
       line.erase(line.find_last_not_of(' ') + 1);
       text += line + "\n";
     }
@@ -189,7 +191,16 @@ class List : public RowFormat {
   void End() override {}
 
  private:
+  std::string Fit(std::string const& value) const {
+    if (!terminal_width_) return value;
+    std::size_t const room =
+        *terminal_width_ - std::min(*terminal_width_, label_width_);
+    return CutToWidth(value, std::max(room, kSmallestCut));
+  }
+
   OutFile& file_;
+  std::optional<std::size_t> terminal_width_;
+  std::size_t label_width_ = 0;
   std::vector<std::string> labels_;
   bool is_first_ = true;
 };
@@ -217,8 +228,9 @@ std::unique_ptr<RowFormat> MakeMarkdown(OutFile& file) {
   return std::make_unique<Markdown>(file);
 }
 
-std::unique_ptr<RowFormat> MakeList(OutFile& file) {
-  return std::make_unique<List>(file);
+std::unique_ptr<RowFormat> MakeList(OutFile& file,
+                                    std::optional<std::size_t> width) {
+  return std::make_unique<List>(file, width);
 }
 
 }  // namespace tabwerk::tool

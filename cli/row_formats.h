@@ -13,6 +13,9 @@
 
 namespace tabwerk::tool {
 
+// Columns of a terminal below which no value is cut.
+inline constexpr std::size_t kSmallestCut = 8;
+
 // RFC 4180 with a line of names: a value with a comma, a double quote or a line
 // end stands between double quotes, which are doubled inside.  Lines end in a
 // line feed.
@@ -30,8 +33,10 @@ std::string JsonObject(std::vector<ColumnHead> const& columns,
 // A table of Markdown; characters that mean something to it are escaped, a line
 // end is <br>.
 std::unique_ptr<RowFormat> MakeMarkdown(OutFile& file);
-// A line "NAME  value" for each value, an empty line between two rows.
-std::unique_ptr<RowFormat> MakeList(OutFile& file);
+// A line "NAME  value" for each value, an empty line between two rows.  With a
+// width the values are cut to fit into it.
+std::unique_ptr<RowFormat> MakeList(OutFile& file,
+                                    std::optional<std::size_t> width);
 // Values below each other.  With a width the columns are cut to fit into it;
 // without, every value is complete.  Columns are measured by the first rows.
 std::unique_ptr<RowFormat> MakeFittedTable(OutFile& file,

@@ -80,11 +80,11 @@ std::unique_ptr<RowFormat> TableOut::MakeFormat() {
   if (format == "json") return MakeJson(file_, true);
   if (format == "ndjson") return MakeJson(file_, false);
   if (format == "md") return MakeMarkdown(file_);
-  if (format == "list") return MakeList(file_);
   std::optional<std::size_t> width;
   if (file_.IsTerminal()) {
     width = static_cast<std::size_t>(std::max(console::OutWidth(), 1));
   }
+  if (format == "list") return MakeList(file_, width);
   return MakeFittedTable(file_, width, file_.IsStandardOutput() && ColorsOut());
 }
 

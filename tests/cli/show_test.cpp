@@ -220,6 +220,22 @@ TEST_F(ToolShow, CutsColumnsToFitTheTerminal) {
       RunToolOnTerminal(folder_.folder(), {"show", "a.db", "-t", "T"}, 14).out);
 }
 
+TEST_F(ToolShow, CutsTheValuesOfAListToFitTheTerminal) {
+  MakeDatabase("a.db",
+               {PlainHeader::kCurrent,
+                1000,
+                {{"T", "integer ID,string NAME\n", {"1|a long long name"}}}});
+  std::vector<std::string> const show = {"show", "a.db",     "-t",
+                                         "T",    "--format", "list"};
+  auto const on_terminal = [&](int columns) {
+    return RunToolOnTerminal(folder_.folder(), show, columns).out;
+  };
+  EXPECT_EQ("ID    1\nNAME  a long …\n", on_terminal(14));
+  EXPECT_EQ("ID    1\nNAME  a long …\n", on_terminal(3));
+  EXPECT_EQ("ID    1\nNAME  a long long name\n", on_terminal(22));
+  EXPECT_EQ(on_terminal(22), Run(show).out);
+}
+
 TEST_F(ToolShow, SaysThatTheOutputIsLost) {
   MakeMainFile();
   auto const run = RunToolInto("/dev/full", folder_.folder(),
