@@ -156,6 +156,25 @@ std::FILE* OpenStream(std::filesystem::path const& path, char const* mode) {
   return _wfopen(path.c_str(), std::wstring(mode, mode + strlen(mode)).c_str());
 }
 
+bool IsStandardOutput(std::filesystem::path const&) { return false; }
+bool IsStandardError(std::filesystem::path const&) { return false; }
+
+bool IsDevice(std::filesystem::path const& path) {
+  // As the system reads it: in either case, also with a colon behind.
+  std::wstring name = path.native();
+  for (wchar_t& it : name) {
+    if (it >= L'a' && it <= L'z') it = static_cast<wchar_t>(it - L'a' + L'A');
+  }
+  if (name.starts_with(L"\\\\.\\")) return true;
+  if (name.ends_with(L':')) name.pop_back();
+  if (name == L"NUL" || name == L"CON" || name == L"CONOUT$" ||
+      name == L"AUX" || name == L"PRN") {
+    return true;
+  }
+  bool const is_port = name.starts_with(L"COM") || name.starts_with(L"LPT");
+  return is_port && name.size() == 4 && name[3] >= L'1' && name[3] <= L'9';
+}
+
 bool IsHeld(std::filesystem::path const& path, bool) {
   HANDLE const handle =
       CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
@@ -208,6 +227,31 @@ bool OutTakesUtf8() { return true; }
 
 std::FILE* OpenStream(std::filesystem::path const& path, char const* mode) {
   return std::fopen(path.c_str(), mode);
+}
+
+namespace {
+
+bool LeadsTo(std::filesystem::path const& path, char const* stream,
+             int number) {
+  std::string const name = path.lexically_normal().native();
+  std::string const digits = std::to_string(number);
+  return name == stream || name == "/dev/fd/" + digits ||
+         name == "/proc/self/fd/" + digits;
+}
+
+}  // namespace
+
+bool IsStandardOutput(std::filesystem::path const& path) {
+  return LeadsTo(path, "/dev/stdout", STDOUT_FILENO);
+}
+
+bool IsStandardError(std::filesystem::path const& path) {
+  return LeadsTo(path, "/dev/stderr", STDERR_FILENO);
+}
+
+bool IsDevice(std::filesystem::path const& path) {
+  std::string const name = path.lexically_normal().native();
+  return name.starts_with("/dev/fd/") || name.starts_with("/proc/");
 }
 
 bool IsHeld(std::filesystem::path const& path, bool for_writing) {

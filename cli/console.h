@@ -44,6 +44,14 @@ bool OutTakesUtf8();
 // As fopen, for any path.
 std::FILE* OpenStream(std::filesystem::path const& path, char const* mode);
 
+// True for a path that leads to standard output or to standard error, whatever
+// they are.
+bool IsStandardOutput(std::filesystem::path const& path);
+bool IsStandardError(std::filesystem::path const& path);
+// True for a path that stands for a device or for a stream of this process. It
+// is never replaced, although it may look like a file, or lead to one.
+bool IsDevice(std::filesystem::path const& path);
+
 // For a file that is there and that the library does not open, to write it or
 // only to read: true when another opener is the reason.
 bool IsHeld(std::filesystem::path const& path, bool for_writing);

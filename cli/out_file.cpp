@@ -33,7 +33,7 @@ bool IsData(std::string const& path) {
 }  // namespace
 
 OutFile::OutFile(std::string path) : path_(std::move(path)) {
-  if (path_ == "-") path_.clear();
+  if (path_ == "-" || console::IsStandardOutput(ToPath(path_))) path_.clear();
 }
 
 OutFile::~OutFile() {
@@ -47,6 +47,14 @@ std::optional<Problem> OutFile::Open() {
   if (IsStandardOutput()) return std::nullopt;
   std::error_code error;
   target_ = ToPath(path_);
+  to_error_ = console::IsStandardError(target_);
+  if (to_error_) return std::nullopt;
+  if (console::IsDevice(target_)) {
+    // Behind what is there, where it leads to a file.
+    stream_.open(target_, std::ios::binary | std::ios::app);
+    if (!stream_) return NotWritten();
+    return std::nullopt;
+  }
   auto const status = fs::status(target_, error);
   if (fs::is_directory(status)) {
     return Problem{TW(111), path_, "this is a folder",
@@ -59,13 +67,13 @@ std::optional<Problem> OutFile::Open() {
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     stream_.open(target_, std::ios::binary);
   } else {
-    OpenDraft();
+    OpenDraft(status);
   }
   if (!stream_) return NotWritten();
   return std::nullopt;
 }
 
-void OutFile::OpenDraft() {
+void OutFile::OpenDraft(fs::file_status const& status) {
   std::error_code error;
   // A link stays one.
   if (fs::is_symlink(target_, error)) {
@@ -79,11 +87,17 @@ void OutFile::OpenDraft() {
     if (!fs::exists(draft, error)) break;
   }
   stream_.open(draft, std::ios::binary | std::ios::trunc);
-  if (stream_) draft_ = draft;
+  if (!stream_) return;
+  draft_ = draft;
+  // Who may read the old file may read the new one, and nobody else.
+  if (fs::exists(status)) {
+    fs::permissions(draft_, status.permissions() & fs::perms::all, error);
+  }
 }
 
 void OutFile::Write(std::string_view text) {
   if (IsStandardOutput()) return console::Out(text);
+  if (to_error_) return console::Err(text);
   stream_.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
@@ -100,7 +114,7 @@ std::optional<Problem> OutFile::Flush() {
 
 std::optional<Problem> OutFile::Close() {
   if (IsStandardOutput()) return std::nullopt;  // looked at when all is done
-  stream_.close();
+  if (stream_.is_open()) stream_.close();
   if (stream_.fail()) return NotWritten();
   if (!draft_.empty()) {
     std::error_code error;

@@ -13,9 +13,9 @@
 namespace tabwerk::tool {
 
 // Standard output, or a file that appears under its name when it is complete:
-// it is written beside and moved there.  Without that, the destructor removes
-// what was written.  What is no regular file, such as a pipe or a device, is
-// written into.
+// it is written beside and moved there, and has the permissions of the one that
+// it replaces.  Without that, the destructor removes what was written.  What is
+// no regular file, such as a pipe or a device, is written into.
 class OutFile {
  public:
   // path as behind -o; empty or "-" is standard output.
@@ -38,12 +38,14 @@ class OutFile {
   bool IsStandardOutput() const { return path_.empty(); }
 
  private:
-  void OpenDraft();
+  // status is that of the file to be replaced.
+  void OpenDraft(std::filesystem::file_status const& status);
   Problem NotWritten() const;
 
   std::string path_;
   std::filesystem::path target_;  // what the path leads to
   std::filesystem::path draft_;   // empty where the target is written into
+  bool to_error_ = false;         // standard error, by its path
   std::ofstream stream_;
 };
 

@@ -160,6 +160,20 @@ TEST_F(ToolOutput, SaysThatTheFileCannotBeMade) {
   EXPECT_EQ(3, Run({"dump", "stock.db", "-t", "ARTICLE", "-o", "."}).exit_code);
 }
 
+TEST_F(ToolOutput, DeviceIsWrittenIntoAndLeavesNoFile) {
+  MakeMainFile();
+#ifdef _WIN32
+  std::vector<std::string> const devices = {"NUL", "nul", "NUL:", "\\\\.\\NUL"};
+#else
+  std::vector<std::string> const devices = {"/dev/null"};
+#endif
+  for (std::string const& device : devices) {
+    auto const run = RunToLook({"show", "stock.db", "ARTICLE", "-o", device});
+    EXPECT_EQ("", run.out + run.err) << device;
+    EXPECT_EQ(0, run.exit_code) << device;
+  }
+}
+
 TEST_F(ToolOutput, DumpGoesToAFile) {
   MakeStock();
   EXPECT_EQ(
@@ -199,6 +213,37 @@ TEST_F(ToolOutput, PipeAsFileIsWrittenInto) {
       "ID\n1\n2\n",
       std::string(text, static_cast<std::size_t>(std::max<ssize_t>(size, 0))));
   EXPECT_TRUE(std::filesystem::is_fifo(path));
+}
+
+// Else what the file has already would be gone.
+TEST_F(ToolOutput, StandardOutputByItsPathIsNotReplaced) {
+  MakeMainFile();
+  for (std::string const path : {"/dev/stdout", "/dev/fd/1"}) {
+    auto const run = Run(
+        {"show", "stock.db", "ARTICLE", "--columns", "ID", "-o", path, "-v"});
+    EXPECT_EQ("ID\n1\n2\n", run.out);
+    EXPECT_EQ(0, run.exit_code);
+  }
+  auto const run =
+      Run({"show", "stock.db", "ARTICLE", "-v", "-o", "/dev/stderr"});
+  EXPECT_EQ(0U, run.err.find("tabwerk: ")) << run.err;
+  EXPECT_NE(std::string::npos, run.err.find("ID\tFOLGE\t")) << run.err;
+}
+
+TEST_F(ToolOutput, FileKeepsItsPermissions) {
+  MakeMainFile();
+  std::filesystem::path const path = folder_.folder() / "out.tsv";
+  using std::filesystem::perms;
+  for (perms const mode : {perms::owner_read | perms::owner_write,
+                           perms::owner_all | perms::group_read |
+                               perms::others_read | perms::others_exec}) {
+    folder_.Make("out.tsv", "old");
+    std::filesystem::permissions(path, mode);
+    EXPECT_EQ(0,
+              Run({"show", "stock.db", "ARTICLE", "-o", "out.tsv"}).exit_code);
+    EXPECT_EQ(mode, std::filesystem::status(path).permissions());
+    EXPECT_EQ(0U, folder_.ReadBytes("out.tsv").find("ID\t"));
+  }
 }
 
 TEST_F(ToolOutput, LinkAsFileStaysALink) {
