@@ -3,23 +3,46 @@
 
 #include "cli/help_text.h"
 #include "cli/settings.h"
+#include "cli/text.h"
 
 namespace tabwerk::tool {
 namespace {
 
-// Text as man reads it: a leading "." or "'" would be a request.
+// A character that roff would set as another one, or does not read at all;
+// empty for any other one.
+std::string RoffName(char32_t character) {
+  switch (character) {
+    case U'…':
+      return "...";
+    case '\\':
+      return "\\e";
+    case '-':
+      return "\\-";
+    case '\'':
+      return "\\(aq";
+    case '`':
+      return "\\(ga";
+    case '^':
+      return "\\(ha";
+    case '~':
+      return "\\(ti";
+    default:
+      break;
+  }
+  if (character < 0x80) return "";
+  return fmt::format("\\[u{:04X}]", static_cast<unsigned>(character));
+}
+
+// Text as man reads it, in ASCII: a leading "." would be a request.
 std::string Roff(std::string_view text) {
   std::string escaped;
-  for (char const character : text) {
+  while (!text.empty()) {
     bool const begins = escaped.empty() || escaped.back() == '\n';
-    if (begins && (character == '.' || character == '\'')) escaped += "\\&";
-    if (character == '\\') {
-      escaped += "\\e";
-    } else if (character == '-') {
-      escaped += "\\-";
-    } else {
-      escaped += character;
-    }
+    if (begins && text.front() == '.') escaped += "\\&";
+    std::string_view rest = text;
+    std::string const name = RoffName(NextCharacter(&rest));
+    escaped += name.empty() ? text.substr(0, text.size() - rest.size()) : name;
+    text = rest;
   }
   return escaped;
 }

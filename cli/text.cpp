@@ -9,6 +9,23 @@
 #include "cli/width_table.h"
 
 namespace tabwerk::tool {
+
+char32_t NextCharacter(std::string_view* text) {
+  auto const lead = static_cast<unsigned char>(text->front());
+  std::size_t const length = lead < 0x80   ? 1
+                             : lead < 0xE0 ? 2
+                             : lead < 0xF0 ? 3
+                                           : 4;
+  constexpr std::array<unsigned, 5> kLeadBits = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  char32_t character = lead & kLeadBits[length];
+  for (std::size_t i = 1; i < length && i < text->size(); ++i) {
+    character =
+        character << 6 | (static_cast<unsigned char>((*text)[i]) & 0x3FU);
+  }
+  text->remove_prefix(std::min(length, text->size()));
+  return character;
+}
+
 namespace {
 
 constexpr char32_t kJoiner = 0x200D;
@@ -29,23 +46,6 @@ std::size_t WidthOf(char32_t character) {
 
 bool IsSkinTone(char32_t character) {
   return character >= 0x1F3FB && character <= 0x1F3FF;
-}
-
-// Takes the first character off.
-char32_t NextCharacter(std::string_view* text) {
-  auto const lead = static_cast<unsigned char>(text->front());
-  std::size_t const length = lead < 0x80   ? 1
-                             : lead < 0xE0 ? 2
-                             : lead < 0xF0 ? 3
-                                           : 4;
-  constexpr std::array<unsigned, 5> kLeadBits = {0, 0x7F, 0x1F, 0x0F, 0x07};
-  char32_t character = lead & kLeadBits[length];
-  for (std::size_t i = 1; i < length && i < text->size(); ++i) {
-    character =
-        character << 6 | (static_cast<unsigned char>((*text)[i]) & 0x3FU);
-  }
-  text->remove_prefix(std::min(length, text->size()));
-  return character;
 }
 
 char32_t FirstCharacter(std::string_view text) { return NextCharacter(&text); }

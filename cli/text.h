@@ -16,6 +16,9 @@ std::string Escape(std::string_view utf8);
 // The text with a blank in place of every control character.
 std::string OneBlankEach(std::string_view utf8);
 
+// Takes the first character off a text that has one.
+char32_t NextCharacter(std::string_view* utf8);
+
 std::size_t CharacterCount(std::string_view utf8);
 
 // Takes so many characters off the text, or all there are; what was taken.
