@@ -42,6 +42,7 @@ class CheckCommand : public Command {
   }
 
   ExitCode Run() override {
+    if (auto const problem = CheckOrder(files_)) return Report(*problem);
     DatabaseCheck check(files_, quick_);
     std::optional<Progress> progress(std::in_place, "reading " + files_.main);
     if (auto const problem = check.Read()) return Report(*problem);

@@ -7,6 +7,7 @@
 #include "DBDirectory.h"
 #include "DBbase.h"
 #include "cli/commands.h"
+#include "cli/near_names.h"
 #include "cli/out_file.h"
 #include "cli/session.h"
 #include "cli/table_list.h"
@@ -65,15 +66,12 @@ class SchemaCommand : public Command {
 
   std::optional<Problem> KeepTable(std::vector<TableShape>* tables) const {
     if (table_.empty()) return std::nullopt;
-    std::string names;
-    for (TableShape const& table : *tables) {
-      names += (names.empty() ? "" : ", ") + table.name;
-    }
+    std::vector<std::string> names;
+    for (TableShape const& table : *tables) names.push_back(table.name);
     std::erase_if(*tables,
                   [&](TableShape const& it) { return it.name != table_; });
     if (!tables->empty()) return std::nullopt;
-    return Problem{TW(106), path_, "there is no table " + table_,
-                   "the tables are " + names};
+    return NoSuchTable(path_, table_, names);
   }
 
   std::optional<Problem> ReadIds(std::vector<TableShape>* tables) const {

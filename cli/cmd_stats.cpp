@@ -31,6 +31,7 @@ class StatsCommand : public Command {
   }
 
   ExitCode Run() override {
+    if (auto const problem = CheckOrder(files_)) return Report(*problem);
     if (auto const problem = WhyNotCounted(files_.main)) {
       return Report(*problem);
     }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "cli/files.h"
 #include "cli/table_list.h"
 
 namespace tabwerk::tool {
@@ -28,7 +27,7 @@ std::vector<DiffColumn> DiffColumns(SnapshotTable const& table,
   auto const fields = FieldsOf(table.definition);
   auto const names = ColumnNames(table.definition);
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (options.WantsColumn(NameToUtf8(fields[i]->name))) {
+    if (options.WantsColumn(names[i])) {
       columns.push_back({names[i], fields[i]});
     }
   }

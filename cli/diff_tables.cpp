@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/diff_table.h"
+#include "cli/near_names.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -37,14 +38,6 @@ std::vector<TablePair> PairTables(Snapshot const& before,
   return pairs;
 }
 
-std::string Listed(std::set<std::string> const& names) {
-  std::string text;
-  for (std::string const& name : names) {
-    text += (text.empty() ? "" : ", ") + name;
-  }
-  return text;
-}
-
 // A problem for a name that is asked for and that there is not.
 std::optional<Problem> CheckNames(std::vector<TablePair> const& pairs,
                                   DiffOptions const& options,
@@ -63,14 +56,12 @@ std::optional<Problem> CheckNames(std::vector<TablePair> const& pairs,
   }
   for (std::string const& name : options.tables) {
     if (tables.contains(name)) continue;
-    return Problem{TW(106), file, "there is no table " + name,
-                   "the tables are " + Listed(tables)};
+    return NoSuchTable(file, name, {tables.begin(), tables.end()});
   }
   for (auto const* const asked : {&options.columns, &options.ignored}) {
     for (std::string const& name : *asked) {
       if (columns.contains(name)) continue;
-      return Problem{TW(107), file, "there is no column " + name,
-                     "the columns are " + Listed(columns)};
+      return NoSuchColumn(file, name, {columns.begin(), columns.end()});
     }
   }
   return std::nullopt;

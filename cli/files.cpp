@@ -7,6 +7,7 @@
 
 #include "DBDirectory.h"
 #include "cli/console.h"
+#include "cli/database_file.h"
 #include "schema/directory_access.h"
 
 namespace tabwerk::tool {
@@ -112,6 +113,12 @@ Problem WhyNotOpened(std::string const& file, Access access) {
   }
   Probe const probe = TryToOpen(file, access);
   if (!probe.has_stream) return WhyNotRead(file, access);
+  DatabaseFile content;
+  if (!probe.is_open && !ReadDatabaseFile(file, &content) &&
+      !content.IsDamaged() && content.tables.empty()) {
+    return {TW(315), file, "the file has no tables",
+            "build it from its script, or restore it from a backup"};
+  }
   if (!probe.is_open) {
     return {TW(123), file,
             "this is no database file, or its list of tables is damaged",

@@ -10,6 +10,8 @@
 #include "DBbase.h"
 #include "cli/field_value.h"
 #include "cli/files.h"
+#include "cli/near_names.h"
+#include "cli/table_list.h"
 #include "cli/table_out.h"
 #include "cli/text.h"
 #include "cli/translated_text.h"
@@ -183,8 +185,10 @@ std::optional<Problem> RowEdit::CheckAssignment(
   std::string const& column = assignment.column;
   DBFeld const* const field = FindField(column);
   if (field == nullptr) {
-    return Refusal(TW(107), "there is no column " + column,
-                   "\"tabwerk info\" lists the columns");
+    auto const names = ColumnNames(*table_.GetDirEntry(false)->GetDefinition());
+    Problem problem = NoSuchColumn(files_.user, column, names);
+    problem.what = "table " + table_name_ + ": " + problem.what;
+    return problem;
   }
   if (IsAssigned(column)) {
     return Refusal(

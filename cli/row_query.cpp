@@ -6,6 +6,7 @@
 
 #include "DBDirectory.h"
 #include "DBbase.h"
+#include "cli/near_names.h"
 #include "cli/options.h"
 #include "cli/patterns.h"
 #include "cli/sole_column.h"
@@ -43,14 +44,6 @@ Problem NoNumber(std::string const& column, std::string const& value) {
   return {TW(133), "",
           value + " is no number, and column " + column + " holds numbers",
           "write a number as in 7 or 0.5"};
-}
-
-std::string Joined(std::vector<std::string> const& names) {
-  std::string text;
-  for (std::string const& name : names) {
-    text += (text.empty() ? "" : ", ") + name;
-  }
-  return text;
 }
 
 void AddConditions(Options& options, RowQuery* query) {
@@ -174,8 +167,7 @@ std::optional<Problem> RowChoice::FindColumn(std::string const& name,
     *field = fields[i];
     return std::nullopt;
   }
-  return Problem{TW(107), "", "there is no column " + name,
-                 "the columns are " + Joined(names)};
+  return NoSuchColumn({}, name, names);
 }
 
 std::optional<Problem> RowChoice::SelectColumn(std::string const& name) {

@@ -12,6 +12,7 @@
 #include "cli/errors.h"
 #include "cli/files.h"
 #include "cli/help_text.h"
+#include "cli/near_names.h"
 #include "cli/parser.h"
 #include "cli/settings.h"
 
@@ -52,33 +53,15 @@ ExitCode AnswerParser(Parser& parser, Parsed const& parsed) {
   return ExitCode::kDone;
 }
 
-// Letters to be changed, left out or put in to make one word of the other.
-std::size_t Distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  for (std::size_t i = 0; i < row.size(); ++i) row[i] = i;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i + 1);
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      std::size_t const changed = diagonal + (a[i] == b[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
-    }
-  }
-  return row.back();
-}
-
 Problem UnknownCommand(std::string const& word) {
-  constexpr std::size_t kAlike = 2;
-  auto const& all = AllCommands();
-  auto const* const nearest = *std::min_element(
-      all.begin(), all.end(), [&](auto const* a, auto const* b) {
-        return Distance(word, a->name) < Distance(word, b->name);
-      });
-  std::string const advice =
-      Distance(word, nearest->name) <= kAlike
-          ? "did you mean \"tabwerk " + std::string(nearest->name) + "\"?"
-          : "\"tabwerk help\" lists the commands";
-  return {TW(102), "", "there is no command or file " + word, advice};
+  std::vector<std::string> names;
+  for (auto const* const command : AllCommands()) {
+    names.emplace_back(command->name);
+  }
+  std::string const nearest = NearestName(word, names);
+  return {TW(102), "", "there is no command or file " + word,
+          nearest.empty() ? "\"tabwerk help\" lists the commands"
+                          : "did you mean \"tabwerk " + nearest + "\"?"};
 }
 
 // "tabwerk FILE" is "tabwerk info FILE".

@@ -8,9 +8,11 @@
 #include "cli/database_file.h"
 #include "cli/files.h"
 #include "cli/index_state.h"
+#include "cli/near_names.h"
 #include "cli/options.h"
 #include "cli/progress.h"
 #include "cli/settings.h"
+#include "cli/table_list.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -71,12 +73,11 @@ Problem DamagedTable(DatabaseFiles const& files, DBDirEntry const& entry) {
           "tables are sound"};
 }
 
-std::string TableNames() {
-  std::string names;
-  DBDirectory* const directory = DBbase::GetDBBaseInstance()->GetDirectory();
-  for (DBDirEntry const* entry = directory->GetEntries(); entry != nullptr;
-       entry = entry->GetNext()) {
-    names += (names.empty() ? "" : ", ") + NameToUtf8(entry->GetName());
+std::vector<std::string> TableNames() {
+  std::vector<std::string> names;
+  for (DBDirEntry const* entry :
+       TablesInFileOrder(*DBbase::GetDBBaseInstance()->GetDirectory())) {
+    names.push_back(NameToUtf8(entry->GetName()));
   }
   return names;
 }
@@ -152,7 +153,17 @@ std::optional<Problem> CopyUserFiles(DatabaseFiles const& files,
   return std::nullopt;
 }
 
+std::optional<Problem> CheckOrder(DatabaseFiles const& files) {
+  bool const is_swapped = IsUserFile(files.main) && !files.user.empty() &&
+                          !IsUserFile(files.user);
+  if (!is_swapped) return std::nullopt;
+  return Problem{TW(104), files.user,
+                 "this is no name of a user file, but " + files.main + " is",
+                 "name the main file first, then the user file"};
+}
+
 std::optional<Problem> OpenToLook(DatabaseFiles const& files) {
+  if (auto problem = CheckOrder(files)) return problem;
   if (!HasIndexFile(files)) return Open(files, false);
   // The share modes of whoever writes it count for the copy as well.
   DatabaseFile user_file;
@@ -197,8 +208,7 @@ std::optional<Problem> FindTable(DatabaseFiles const& files,
       return DamagedTable(files, *(*table)->GetDirEntry(false));
     }
   }
-  return Problem{TW(106), files.main, "there is no table " + name,
-                 "the tables are " + TableNames()};
+  return NoSuchTable(files.main, name, TableNames());
 }
 
 }  // namespace tabwerk::tool

@@ -38,6 +38,9 @@ std::optional<Problem> CopyFile(std::filesystem::path const& from,
 std::optional<Problem> CopyUserFiles(DatabaseFiles const& files,
                                      std::filesystem::path const& folder);
 
+// A problem when the user file is named first and the main file behind it.
+std::optional<Problem> CheckOrder(DatabaseFiles const& files);
+
 // Opens the database in the manager so that no file of the user's is made or
 // changed: what would change an index file is done with copies.  The tables
 // are in memory and all files closed afterwards.

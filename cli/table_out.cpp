@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/console.h"
+#include "cli/near_names.h"
 #include "cli/options.h"
 #include "cli/row_formats.h"
 #include "cli/settings.h"
@@ -97,12 +98,9 @@ std::optional<Problem> TableOut::Begin(std::vector<ColumnHead> columns) {
         std::find_if(columns.begin(), columns.end(),
                      [&](ColumnHead const& it) { return it.name == name; });
     if (column == columns.end()) {
-      std::string names;
-      for (ColumnHead const& it : columns) {
-        names += (names.empty() ? "" : ", ") + it.name;
-      }
-      return Problem{TW(107), "", "there is no column " + name,
-                     "the columns are " + names};
+      std::vector<std::string> names;
+      for (ColumnHead const& it : columns) names.push_back(it.name);
+      return NoSuchColumn({}, name, names);
     }
     order_.push_back(static_cast<std::size_t>(column - columns.begin()));
     shown_[order_.back()] = true;

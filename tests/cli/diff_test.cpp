@@ -140,8 +140,8 @@ TEST_F(ToolDiff, RefusesNamesThatThereAreNot) {
   MakePair();
   auto run = Run({"diff", "a.db", "b.db", "--tables", "article"});
   EXPECT_EQ(
-      "a.db: error[TW106]: there is no table article; the tables are ARTICLE, "
-      "NEW, OLD, SAME, SHAPE\n",
+      "a.db: error[TW106]: there is no table article; did you mean ARTICLE? "
+      "the tables are ARTICLE, NEW, OLD, SAME, SHAPE\n",
       run.err);
   EXPECT_EQ("", run.out);
   EXPECT_EQ(2, run.exit_code);

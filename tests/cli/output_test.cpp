@@ -106,8 +106,8 @@ TEST_F(ToolOutput, TakesColumnsInTheOrderOfTheQuestion) {
   auto const run =
       Run({"show", "stock.db", "-t", "ARTICLE", "--columns", "name"});
   EXPECT_EQ(
-      "tabwerk: error[TW107]: there is no column name; the columns are ID, "
-      "FOLGE, STATUS, NAME, PRICE\n",
+      "tabwerk: error[TW107]: there is no column name; did you mean NAME? the "
+      "columns are ID, FOLGE, STATUS, NAME, PRICE\n",
       run.err);
   EXPECT_EQ("", run.out);
   EXPECT_EQ(2, run.exit_code);

@@ -96,11 +96,61 @@ TEST_F(ToolShow, NamesTheTablesWhenThereIsNoSuchTable) {
   MakeMainFile();
   auto const run = Run({"show", "stock.db", "-t", "article"});
   EXPECT_EQ(
-      "stock.db: error[TW106]: there is no table article; the tables are "
-      "EMPTY, "
-      "ARTICLE\n",
+      "stock.db: error[TW106]: there is no table article; did you mean "
+      "ARTICLE? the tables are ARTICLE, EMPTY\n",
       run.err);
   EXPECT_EQ(2, run.exit_code);
+}
+
+TEST_F(ToolShow, AsksWhetherANearNameWasMeant) {
+  MakeStock();
+  auto const question = [this](std::vector<std::string> const& arguments) {
+    auto const run = Run(arguments);
+    EXPECT_EQ(2, run.exit_code);
+    std::string const text = run.err.substr(run.err.find("; ") + 2);
+    return text.substr(0, text.find('?'));
+  };
+  EXPECT_EQ("did you mean ARTICLE", question({"show", "stock.db", "ARTICEL"}));
+  EXPECT_EQ("did you mean ARTICLE",
+            question({"schema", "stock.db", "-t", "Articles"}));
+  EXPECT_EQ("did you mean NAME",
+            question({"show", "stock.db", "ARTICLE", "--columns", "NAMES"}));
+  EXPECT_EQ("did you mean PRICE",
+            question({"show", "stock.db", "ARTICLE", "--where", "price=1"}));
+  EXPECT_EQ("did you mean STATUS",
+            question({"diff", "stock.db", "stock.db", "--ignore", "STATE"}));
+  EXPECT_EQ("did you mean NAME", question({"add", "stock.db", "STOCK.UDB", "-t",
+                                           "ARTICLE", "NAM=Bolt"}));
+  EXPECT_EQ("the tables are ARTICLE, EMPTY\n",
+            question({"show", "stock.db", "OTHER"}));
+}
+
+TEST_F(ToolShow, SaysThatTheUserFileStandsFirst) {
+  MakeStock();
+  for (std::vector<std::string> arguments :
+       {std::vector<std::string>{"show", "STOCK.UDB", "stock.db", "ARTICLE"},
+        {"check", "STOCK.UDB", "stock.db"},
+        {"stats", "STOCK.UDB", "stock.db"}}) {
+    auto const run = RunToLook(arguments);
+    EXPECT_EQ(
+        "stock.db: error[TW104]: this is no name of a user file, but STOCK.UDB "
+        "is; name the main file first, then the user file\n",
+        run.err);
+    EXPECT_EQ(2, run.exit_code);
+  }
+}
+
+TEST_F(ToolShow, SaysThatTheFileHasNoTables) {
+  MakeDatabase("none.db", {PlainHeader::kCurrent, 1000, {}});
+  folder_.Make("empty.db", "");
+  for (std::string const file : {"none.db", "empty.db"}) {
+    auto const run = RunToLook({"show", file, "T"});
+    EXPECT_EQ(file +
+                  ": error[TW315]: the file has no tables; build it from "
+                  "its script, or restore it from a backup\n",
+              run.err);
+    EXPECT_EQ(4, run.exit_code);
+  }
 }
 
 TEST_F(ToolShow, NamesAMissingFile) {
