@@ -95,9 +95,9 @@ std::string TableLines(DatabaseFile const& file) {
   return lines;
 }
 
-std::string LanguagesText(int languages) {
-  if (languages == 0) return "cannot be read";
-  return "in " + Count(languages, "language");
+std::string LanguagesText(HealthCard const& card) {
+  if (card.languages > 0) return "in " + Count(card.languages, "language");
+  return card.verdict == Verdict::kEmpty ? "none" : "cannot be read";
 }
 
 nlohmann::ordered_json TablesAsJson(DatabaseFile const& file) {
@@ -169,7 +169,7 @@ std::string CardAsText(HealthCard const& card) {
   text += Line("written", DateAndTime(file.time_stamp));
   text += Line("size", Count(file.size_bytes, "byte"));
   text += TableLines(file);
-  text += Line("texts", LanguagesText(card.languages));
+  text += Line("texts", LanguagesText(card));
   if (!card.index_file.empty()) {
     text += Line("index", card.index_file + ": " + card.index_state);
   }

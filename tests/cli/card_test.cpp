@@ -68,6 +68,8 @@ TEST_F(ToolCard, TellsAFileWithoutTables) {
   EXPECT_EQ("empty", card["verdict"]);
   EXPECT_TRUE(card["languages"].IsNull());
   EXPECT_TRUE(card["written"].IsNull());
+  EXPECT_NE(std::string::npos,
+            Run({"info", "EMPTY.UDB"}).out.find("\n  texts    none\n"));
 }
 
 TEST_F(ToolCard, TellsACutList) {
