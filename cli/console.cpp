@@ -251,7 +251,7 @@ bool IsStandardError(std::filesystem::path const& path) {
 
 bool IsDevice(std::filesystem::path const& path) {
   std::string const name = path.lexically_normal().native();
-  return name.starts_with("/dev/fd/") || name.starts_with("/proc/");
+  return name.starts_with("/dev/fd/") || name.starts_with("/proc/self/fd/");
 }
 
 bool IsHeld(std::filesystem::path const& path, bool for_writing) {

@@ -154,8 +154,8 @@ std::optional<Problem> CopyUserFiles(DatabaseFiles const& files,
 }
 
 std::optional<Problem> CheckOrder(DatabaseFiles const& files) {
-  bool const is_swapped = IsUserFile(files.main) && !files.user.empty() &&
-                          !IsUserFile(files.user);
+  bool const is_swapped =
+      IsUserFile(files.main) && !files.user.empty() && !IsUserFile(files.user);
   if (!is_swapped) return std::nullopt;
   return Problem{TW(104), files.user,
                  "this is no name of a user file, but " + files.main + " is",
