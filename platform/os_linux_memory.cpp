@@ -69,9 +69,10 @@ void* Map(std::size_t size) noexcept {
   auto const start = reinterpret_cast<std::uintptr_t>(space);
   std::size_t const skipped = (kLargePage - start % kLargePage) % kLargePage;
   auto* const mapping = static_cast<std::byte*>(space) + skipped;
-  // What is too much on both sides goes back.
-  if (skipped != 0) munmap(space, skipped);
-  munmap(mapping + size, kLargePage - skipped);
+  // What is too much on both sides goes back.  Not examined: in front there may
+  // be nothing.
+  static_cast<void>(munmap(space, skipped));
+  static_cast<void>(munmap(mapping + size, kLargePage - skipped));
   // Not examined: small pages do as well.
   static_cast<void>(madvise(mapping, size, MADV_HUGEPAGE));
   return mapping;

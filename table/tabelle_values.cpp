@@ -72,9 +72,9 @@ bool EndsWithNul(DBStringMemory const& strings) {
   std::u16string const copy(text);
   std::uint32_t const count_before = strings->count();
   if (!strings->Append({})) return false;
-  if (strings->Append(copy)) return true;
-  strings->Truncate(count_before);
-  return false;
+  bool const appended = strings->Append(copy);
+  if (!appended) strings->Truncate(count_before);
+  return appended;
 }
 
 // Stores text for a value whose place in the store is *index and holds the text
@@ -88,9 +88,9 @@ bool StoreText(DBStringMemory* strings, std::int32_t* index,
     return true;
   }
   bool const open = !EndsWithNul(*strings);
-  if (open ? !AppendBehindOpenText(strings, text) : !strings->Append(text)) {
-    return false;
-  }
+  bool const appended =
+      open ? AppendBehindOpenText(strings, text) : strings->Append(text);
+  if (!appended) return false;
   *index = static_cast<std::int32_t>(count + (open ? 1 : 0));
   return true;
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "platform/guarded.h"
@@ -174,21 +175,24 @@ TEST_F(MemoryBlock, OfManyBytesCanBeWrittenFromFirstToLast) {
   }
 }
 
-// Beside another one that grows as well, so that they are in each other's way.
-TEST_F(MemoryBlock, KeepsItsBytesAsItGrowsFromFewToMany) {
-  Block block;
-  Block other;
-  for (std::size_t size = kMany / 4; size < 4 * kMany; size += kMany / 4) {
-    ASSERT_TRUE(block.Resize(size));
-    ASSERT_TRUE(other.Resize(size + 1));
-    block.data()[size - 1] = std::byte{7};
-    other.data()[size] = std::byte{8};
+// Beside others that grow as well, so that they are in each other's way.
+TEST_F(MemoryBlock, OfManyBytesKeepsThemAsItGrows) {
+  std::array<Block, 3> blocks;
+  ASSERT_TRUE(blocks[0].Reset(kMany));
+  ASSERT_TRUE(blocks[1].Reset(kMany));
+  ASSERT_TRUE(blocks[2].Reset(1));  // stays one of the heap
+  for (std::size_t size = kMany; size < 4 * kMany; size += kMany / 4) {
+    for (Block& block : blocks) {
+      ASSERT_TRUE(block.Resize(size));
+      block.data()[size - 1] = std::byte{7};
+    }
   }
-  for (std::size_t size = kMany / 4; size < 4 * kMany; size += kMany / 4) {
-    ASSERT_EQ(std::byte{7}, block.data()[size - 1]);
-    ASSERT_EQ(std::byte{0}, block.data()[size - 2]);
-    ASSERT_EQ(std::byte{8}, other.data()[size]);
-    ASSERT_EQ(std::byte{0}, other.data()[size - 1]);
+  for (Block const& block : blocks) {
+    for (std::size_t size = kMany; size < 4 * kMany; size += kMany / 4) {
+      ASSERT_EQ(std::byte{7}, block.data()[size - 1]);
+      ASSERT_EQ(std::byte{0}, block.data()[size - 2]);
+      ASSERT_EQ(std::byte{0}, block.data()[size - kMany / 8]);
+    }
   }
 }
 
