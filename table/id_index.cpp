@@ -312,8 +312,7 @@ void IdIndex::Reserve(std::size_t count, std::int32_t first,
   if (!storage_->dense || !span.IsDense(count, kKeepArray)) return;
   // New IDs mostly follow the largest one.
   std::int64_t const room = (span.last - span.first) / 8;
-  storage_->array =
-      IdArray(span.first, std::min(kLargestId, span.last + room));
+  storage_->array = IdArray(span.first, std::min(kLargestId, span.last + room));
 }
 
 std::int32_t IdIndex::LargestId() const {
