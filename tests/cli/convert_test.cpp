@@ -1,3 +1,4 @@
+#include "tests/cli/expected.h"
 #include "tests/cli/tool_test.h"
 #include "tests/support/hex_file.h"
 
@@ -23,6 +24,10 @@ TEST_F(ToolConvert, BringsEveryFormIntoTheCurrentOne) {
     EXPECT_EQ(rows, Rows("new.db", table));
     EXPECT_EQ(old, folder_.ReadBytes("old.db"));
     EXPECT_EQ(0, Run({"export", "new.db", "-d", name}).exit_code);
+    auto const built = Run({"build", "new.script", "-C", name});
+    EXPECT_EQ(0, built.exit_code) << built.err;
+    EXPECT_EQ(WithoutStamp(folder_.ReadBytes("new.db")),
+              WithoutStamp(folder_.ReadBytes(name + "/new.db")));
     std::filesystem::remove(folder_.folder() / "new.db");
   }
 }

@@ -1,9 +1,9 @@
 // What holds for every command that takes a database: looking changes no file,
 // a damaged one is refused, and a large one is no trouble.
 #include <map>
-#include <regex>
 #include <set>
 
+#include "tests/cli/expressions.h"
 #include "tests/cli/tool_test.h"
 #include "tests/support/places.h"
 
@@ -97,10 +97,8 @@ TEST_F(ToolEveryCommand, IsTried) {
   for (auto const& entry :
        std::filesystem::directory_iterator(ProjectPath("cli"))) {
     std::string const file = entry.path().filename().string();
-    std::smatch match;
-    if (std::regex_match(file, match, std::regex("cmd_([a-z]+)\\.cpp"))) {
-      all.insert(match[1]);
-    }
+    auto const match = Matched(file, "cmd_([a-z]+)\\.cpp");
+    if (!match.empty()) all.insert(match[1]);
   }
   EXPECT_EQ(all, tried);
 }

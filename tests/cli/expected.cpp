@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <sstream>
 #include <vector>
 
+#include "tests/cli/expressions.h"
 #include "tests/support/places.h"
 
 namespace tabwerk::test {
@@ -65,9 +65,14 @@ std::string LineDifference(std::string const& before,
   return text;
 }
 
-std::string WithoutTimes(std::string text) {
-  static std::regex const time(R"(\d\d\d\d-\d\d-\d\d \d\d:\d\d:\d\d)");
-  return std::regex_replace(text, time, "YYYY-MM-DD hh:mm:ss");
+std::string WithoutTimes(std::string const& text) {
+  return Replaced(text, R"(\d\d\d\d-\d\d-\d\d \d\d:\d\d:\d\d)",
+                  "YYYY-MM-DD hh:mm:ss");
+}
+
+std::string WithoutStamp(std::string bytes) {
+  for (std::size_t i = 11; i < 19 && i < bytes.size(); ++i) bytes[i] = '\0';
+  return bytes;
 }
 
 }  // namespace tabwerk::test

@@ -29,7 +29,9 @@ std::string ExpectedFile(std::string const& path, std::string const& found);
 std::string LineDifference(std::string const& before, std::string const& after);
 
 // The text with all dates and times as "YYYY-MM-DD hh:mm:ss".
-std::string WithoutTimes(std::string text);
+std::string WithoutTimes(std::string const& text);
+// The bytes of a database without its time of writing.
+std::string WithoutStamp(std::string bytes);
 
 }  // namespace tabwerk::test
 

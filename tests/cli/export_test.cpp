@@ -11,12 +11,6 @@ constexpr char kDefinition[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME,real PRICE,string "
     "NOTE\n";
 
-// A database without its time of writing.
-std::string WithoutStamp(std::string bytes) {
-  for (std::size_t i = 11; i < 19 && i < bytes.size(); ++i) bytes[i] = '\0';
-  return bytes;
-}
-
 class ToolExport : public ToolTest {
  protected:
   ToolRun Export(std::string const& file) const {
