@@ -2,6 +2,7 @@
 // and the status that the index holds are there in the end.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -134,6 +135,71 @@ class OpenSweep : public FaultSweepTest {
 };
 
 INSTANTIATE_FAULT_SWEEP(OpenSweep);
+
+// Files that are made anew: those that were reached are empty, the others are
+// as before.  There is nothing else that could be kept.
+class CreateSweep : public FaultSweepTest {
+ protected:
+  static constexpr auto kNames = {"MAIN.db", "USER.UDB"};
+
+  int Create() const { return Manager()->Open(stock_, true, true); }
+
+  std::string Content(FileSet const& begin, std::string const& name) const {
+    if (!FileExists(name)) return begin.count(name) == 0 ? "as before" : "gone";
+    // One that is held cannot be read everywhere.
+    if (std::filesystem::file_size(Path(name)) == 0) return "empty";
+    auto const before = begin.find(name);
+    return before != begin.end() && before->second == Bytes(name) ? "as before"
+                                                                  : "other";
+  }
+  void ExpectMade() const {
+    EXPECT_EQ(1, Manager()->FilesCount());
+    auto* const directory = Manager()->GetDirectory();
+    ASSERT_NE(nullptr, directory);
+    EXPECT_EQ(nullptr, directory->GetEntries());
+    for (std::size_t i = 0; i < 2; ++i) {
+      EXPECT_NE(nullptr, directory->GetFile(i)) << i;
+    }
+    for (auto const* name : kNames) EXPECT_EQ("empty", Content({}, name));
+  }
+  void Judge(Outcome const& outcome, FileSet const& begin) const {
+    EXPECT_TRUE(outcome.fired || outcome.result == 1);
+    if (outcome.result == 1) {
+      ExpectMade();
+    } else {
+      // A database that does not open leaves the catalogue.
+      if (GetParam() == Failing::kCalls) {
+        EXPECT_EQ(0, Manager()->FilesCount());
+      }
+      for (auto const* name : kNames) {
+        auto const content = Content(begin, name);
+        EXPECT_TRUE(content == "as before" || content == "empty") << content;
+      }
+    }
+    ExpectNoForeignFiles({"MAIN.db", "USER.UDB", "STOCK.idx"});
+    EXPECT_EQ(0U, TempFiles().size());
+    Configure("STOCK", {"MAIN.db", "USER.UDB"});
+    EXPECT_EQ(1, Create());
+    ExpectMade();
+  }
+  void SweepCreate(FileSet const& begin) {
+    SweepCalls("", {[&] {
+                      Restore(begin);
+                      Configure("STOCK", {"MAIN.db", "USER.UDB"});
+                    },
+                    [&] { return Create(); },
+                    [&](Outcome const& outcome) { Judge(outcome, begin); }});
+  }
+
+ private:
+  zWString const stock_ = W("STOCK");
+};
+
+INSTANTIATE_FAULT_SWEEP(CreateSweep);
+
+TEST_P(CreateSweep, FilesThatAreMissing) { SweepCreate({}); }
+
+TEST_P(CreateSweep, FilesThatAreThere) { SweepCreate(old_); }
 
 TEST(SweepFaultsHandles, AFileThatStaysOpenIsCounted) {
   TempFolder const folder;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,18 +14,34 @@
 namespace tabwerk::test {
 namespace {
 
-// Operations on files, with what they leave on the disk: faults_*_test.cpp.
-constexpr std::string_view kSweptOnFiles[] = {
-    "DBInterpreter::ReadDatei(",
-    "DBInterpreter::ReadScript(",
-    "DBInterpreter::checkFeldConditions(",
-    "DBTabelle::Dump(",
-    "DBbase::IndexFileName(",
-    "DBbase::MakeIndexFile(",
-    "DBbase::Open(",
-    "DBbase::OpenDatabaseFile(",
-    "DBbase::Write(",
-    "DBbase::WriteIndexToFile(",
+// An operation on files, swept with what it leaves on the disk, and where.
+struct SweptCall {
+  std::string_view export_line;
+  char const* source;
+  std::string_view call;
+};
+
+constexpr SweptCall kSweptOnFiles[] = {
+    // What a sweep runs.
+    {"DBInterpreter::ReadDatei(", "tests/sweeps/faults_text_test.cpp",
+     "return interpreter.ReadDatei("},
+    {"DBInterpreter::ReadScript(", "tests/sweeps/faults_script_test.cpp",
+     "return interpreter.ReadScript("},
+    {"DBTabelle::Dump(", "tests/sweeps/faults_text_test.cpp",
+     "dumped_ = table_->Dump("},
+    {"DBbase::Open(", "tests/sweeps/faults_open_test.cpp",
+     "return Manager()->Open("},
+    {"DBbase::Write(", "tests/sweeps/faults_save_test.cpp",
+     "return Manager()->Write("},
+    {"DBbase::WriteIndexToFile(", "tests/sweeps/faults_index_test.cpp",
+     "return Manager()->WriteIndexToFile("},
+    // What one of these runs.
+    {"DBInterpreter::checkFeldConditions(", "interp/interpreter.cpp",
+     "return checkFeldConditions("},
+    {"DBbase::IndexFileName(", "base/dbbase_index.cpp", "= IndexFileName("},
+    {"DBbase::MakeIndexFile(", "base/dbbase_open.cpp", "return MakeIndexFile("},
+    {"DBbase::OpenDatabaseFile(", "base/dbbase_open.cpp",
+     "if (OpenDatabaseFile("},
 };
 
 bool IsOperation(std::string_view line) {
@@ -47,8 +64,10 @@ std::vector<std::string> Exports() {
 }
 
 std::vector<std::string_view> Swept(std::vector<Operation> const& all) {
-  std::vector<std::string_view> swept(std::begin(kSweptOnFiles),
-                                      std::end(kSweptOnFiles));
+  std::vector<std::string_view> swept;
+  for (auto const& on_files : kSweptOnFiles) {
+    swept.push_back(on_files.export_line);
+  }
   for (auto const& operation : all) {
     swept.insert(swept.end(), operation.exports.begin(),
                  operation.exports.end());
@@ -85,6 +104,14 @@ TEST(SweepMemoryExports, EveryExportedOperationIsSweptOnce) {
     exports.erase(found);
   }
   for (auto const& left : exports) ADD_FAILURE() << "not swept: " << left;
+}
+
+TEST(SweepMemoryExports, OperationsOnFilesAreCalledWhereTheyAreSaidToBe) {
+  for (auto const& swept : kSweptOnFiles) {
+    std::ifstream file(ProjectPath(swept.source));
+    std::string const text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_NE(text.npos, text.find(swept.call)) << swept.export_line;
+  }
 }
 
 }  // namespace
