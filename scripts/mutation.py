@@ -45,8 +45,6 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 # Of the processor; what hangs without it ends after ten times as long.
 SECONDS_FOR_A_PROGRAM = 90
 BYTES_FOR_A_PROGRAM = 8 << 30
-# For the random tests; what they do not find so soon, others have to.
-OPERATIONS = "2000"
 
 # What a line may hold, and what is put in its place.  Our layout has blanks
 # around operators and none in "<…>" of templates.
@@ -149,7 +147,6 @@ class House:
                  "--gtest_fail_fast"],
                 cwd=self.build, stdin=subprocess.DEVNULL,
                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                env={**os.environ, "TABWERK_OPERATIONS": OPERATIONS},
                 timeout=10 * SECONDS_FOR_A_PROGRAM).returncode == 0
         except subprocess.TimeoutExpired:
             return False
