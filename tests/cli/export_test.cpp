@@ -292,10 +292,12 @@ PlainDatabase RandomDatabase(Random& random) {
 }
 
 TEST_F(ToolExport, RebuildsOrRefusesAnyDatabase) {
-  int same = 0;
-  int refused = 0;
-  for (std::uint32_t seed = 1; seed <= 24; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
+  std::uint32_t same = 0;
+  std::uint32_t refused = 0;
+  auto const databases = static_cast<std::uint32_t>(OperationCount(24));
+  auto const first = FirstSeed();
+  for (auto seed = first; seed < first + databases; ++seed) {
+    SCOPED_TRACE("TABWERK_SEED=" + std::to_string(seed));
     Random random(seed);
     MakeDatabase("stock.db", RandomDatabase(random));
     std::string const result = RoundTrip("stock.db", "stock.script");
@@ -307,8 +309,9 @@ TEST_F(ToolExport, RebuildsOrRefusesAnyDatabase) {
       EXPECT_EQ(std::string::npos, result.find("TW154")) << result;
     }
   }
-  EXPECT_LE(4, same);
-  EXPECT_LE(4, refused);
+  if (databases < 24) return;  // too few to be of both kinds
+  EXPECT_LE(databases / 6, same);
+  EXPECT_LE(databases / 6, refused);
 }
 
 TEST_F(ToolExport, RebuildsALargeDatabase) {
