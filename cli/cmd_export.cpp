@@ -1,4 +1,6 @@
 // tabwerk export: the script and the table data that rebuild a database.
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <memory>
@@ -176,12 +178,12 @@ class ExportCommand : public Command {
     std::string ending = WriteEnding(write_, copies_);
     for (ExportedDatabase const& database : databases) {
       std::string const script = InFolder(database.files.front().name);
-      Conclude(script + ": rebuilds " + database.database_file + " with " +
-               Count(database.table_count, "table") + ", " +
-               Count(database.row_count, "row") + ", with " +
-               Count(static_cast<long long>(database.files.size()) - 1,
-                     "data file") +
-               ending);
+      auto const data_files = static_cast<long long>(database.files.size()) - 1;
+      Conclude(fmt::format("{}: rebuilds {} with {}, {}, with {}{}", script,
+                           database.database_file,
+                           Count(database.table_count, "table"),
+                           Count(database.row_count, "row"),
+                           Count(data_files, "data file"), ending));
     }
   }
 

@@ -114,8 +114,9 @@ std::string ZshOption(OptionText const& option) {
   }
   std::string text;
   for (std::string const& name : NamesOf(option)) {
-    text += " \\\n        " +
-            ShellQuoted(name + "[" + description + "]" + action, "'\\''");
+    std::string const entry =
+        fmt::format("{}[{}]{}", name, description, action);
+    text += " \\\n        " + ShellQuoted(entry, "'\\''");
   }
   return text;
 }
@@ -200,6 +201,7 @@ std::string Fish(Parser& parser) {
 
 std::string PowerShellList(std::vector<std::string> const& words) {
   std::vector<std::string> quoted;
+  quoted.reserve(words.size());
   for (std::string const& word : words) {
     quoted.push_back(ShellQuoted(word, "''"));
   }

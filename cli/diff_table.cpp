@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "cli/diff_values.h"
@@ -15,7 +16,9 @@ struct RowKey {
   std::int32_t id;
   std::int32_t row;
 
-  auto operator<=>(RowKey const&) const = default;
+  bool operator<(RowKey const& other) const {
+    return std::tie(id, row) < std::tie(other.id, other.row);
+  }
 };
 
 std::vector<RowKey> KeysOf(SnapshotTable const& table, DBFeld const& id) {
@@ -194,6 +197,7 @@ class TableComparison {
   static std::vector<ColumnCell> ValuesOf(
       SnapshotRow const& row, std::vector<DiffColumn> const& columns) {
     std::vector<ColumnCell> values;
+    values.reserve(columns.size());
     for (DiffColumn const& column : columns) {
       values.push_back({column.name, ValueOf(row, column.field->type,
                                              column.field->offset)});

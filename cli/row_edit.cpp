@@ -280,6 +280,7 @@ std::vector<long> RowEdit::ActiveRows() const {
   }
   std::sort(places.begin(), places.end());
   std::vector<long> rows;
+  rows.reserve(places.size());
   for (auto const& [place, row] : places) rows.push_back(row);
   return rows;
 }

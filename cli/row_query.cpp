@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <numeric>
 #include <set>
 
 #include "DBDirectory.h"
@@ -180,8 +181,8 @@ std::optional<Problem> RowChoice::SelectColumn(std::string const& name) {
 std::vector<short> RowChoice::Languages(char const* column) {
   if (!language_.IsAll()) return {language_.Number()};
   int const count = std::max(LanguageCount(table_, column), 1);
-  std::vector<short> languages;
-  for (int i = 0; i < count; ++i) languages.push_back(static_cast<short>(i));
+  std::vector<short> languages(static_cast<std::size_t>(count));
+  std::iota(languages.begin(), languages.end(), short{0});
   return languages;
 }
 

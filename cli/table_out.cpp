@@ -99,6 +99,7 @@ std::optional<Problem> TableOut::Begin(std::vector<ColumnHead> columns) {
                      [&](ColumnHead const& it) { return it.name == name; });
     if (column == columns.end()) {
       std::vector<std::string> names;
+      names.reserve(columns.size());
       for (ColumnHead const& it : columns) names.push_back(it.name);
       return NoSuchColumn({}, name, names);
     }

@@ -1,5 +1,7 @@
 #include "cli/user_rows.h"
 
+#include <fmt/format.h>
+
 #include <set>
 
 #include "DBDirectory.h"
@@ -47,15 +49,17 @@ std::optional<Problem> CheckNewRows(DatabaseFiles const& files,
     std::string const name = NameToUtf8(field->name);
     if (!names.insert(name).second) {
       return Problem{TW(628), files.main,
-                     "table " + table_name + " has two columns " + name +
-                         ", and values find the first one only",
+                     fmt::format("table {} has two columns {}, and values find "
+                                 "the first one only",
+                                 table_name, name),
                      "rename the second one in the script of the main file and "
                      "build it again"};
     }
     if (IsAssigned(name) && field->type != DBTypeInteger) {
       return Problem{TW(627), files.main,
-                     "column " + name + " of table " + table_name +
-                         " is no integer, as new rows need it",
+                     fmt::format("column {} of table {} is no integer, as new "
+                                 "rows need it",
+                                 name, table_name),
                      "correct the script of the main file and build it again"};
     }
   }

@@ -143,14 +143,16 @@ function(tabwerk_add_tidy_target)
   list(JOIN TABWERK_LAYERS "|" layers)
   # Files that are compiled together are looked at together: the headers, which
   # take most of the time, are then read once for all.
-  set(together "${PROJECT_BINARY_DIR}/.*/Unity/")
-  set(library "${PROJECT_SOURCE_DIR}/(${layers}|examples)/")
-  add_custom_target(tidy
-    COMMAND "${TABWERK_RUN_CLANG_TIDY}" -quiet -j ${cores}
-      -p "${PROJECT_BINARY_DIR}"
-      "^${library}|^${PROJECT_SOURCE_DIR}/cli/|^${together}"
-    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
-    VERBATIM USES_TERMINAL)
+  set(tidy "${PROJECT_SOURCE_DIR}/(${layers}|examples)/|tabwerk_objects")
+  # The tool apart, as it takes longer than all else.
+  set(tidy_tool "${PROJECT_SOURCE_DIR}/cli/|tabwerk_cli")
+  foreach(target IN ITEMS tidy tidy_tool)
+    add_custom_target(${target}
+      COMMAND "${TABWERK_RUN_CLANG_TIDY}" -quiet -j ${cores}
+        -p "${PROJECT_BINARY_DIR}" "${${target}}"
+      WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
+      VERBATIM USES_TERMINAL)
+  endforeach()
 endfunction()
 
 tabwerk_add_tidy_target()
