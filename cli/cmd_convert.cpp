@@ -3,12 +3,14 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/convert_file.h"
 #include "cli/database_file.h"
 #include "cli/files.h"
+#include "cli/session.h"
 #include "cli/settings.h"
 #include "cli/text.h"
 #include "cli/writing.h"
@@ -33,6 +35,11 @@ class ConvertCommand : public Command {
              "Write the new file here; without this, FILE is replaced, "
              "which needs --backup")
         .Value("FILE");
+    options
+        .Add("--name", name_,
+             "Name of the database, where it is not that of a user FILE; "
+             "the index that --backup copies with it is called after it")
+        .Value("NAME");
     AddWriteOptions(options, &write_);
     options.Notes(
         "Rows, texts and tables stay; every text gets a place of its own, in\n"
@@ -50,9 +57,7 @@ class ConvertCommand : public Command {
     }
     if (auto const problem = WhyNotReplaced(target)) return Report(*problem);
     if (write_.backup) {
-      if (auto problem = MakeBackup({ToPath(source_)}, &copies_)) {
-        return Report(*problem);
-      }
+      if (auto problem = BackUp()) return Report(*problem);
     }
     TemporaryFolder const folder;
     if (folder.path().empty()) return Report(TemporaryFolder::WhyMissing());
@@ -83,6 +88,16 @@ class ConvertCommand : public Command {
                    "name another one behind -o"};
   }
 
+  std::optional<Problem> BackUp() {
+    std::vector<fs::path> files = {ToPath(source_)};
+    if (IsUserFile(source_)) {
+      for (fs::path const& index : IndexFiles({source_, source_, name_})) {
+        files.push_back(index);
+      }
+    }
+    return MakeBackup(files, &copies_);
+  }
+
   void Summarise(std::string const& target, DatabaseFile const& before,
                  DatabaseFile const& after) const {
     Conclude(source_ + ": converted" +
@@ -102,6 +117,7 @@ class ConvertCommand : public Command {
 
   std::string source_;
   std::string target_;
+  std::string name_;
   WriteOptions write_;
   std::vector<std::string> copies_;
 };

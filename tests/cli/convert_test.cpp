@@ -66,6 +66,38 @@ TEST_F(ToolConvert, TakesTheFormOfAUserFileAsWell) {
   EXPECT_FALSE(folder_.Exists("STOCK.idx"));
 }
 
+// The index was left out, which holds order and status of shipped rows.
+TEST_F(ToolConvert, BackupHoldsTheIndexOfAUserFile) {
+  MakeStock();
+  EXPECT_EQ(0, Run({"move", "stock.db", "STOCK.UDB", "-t", "ARTICLE", "--id",
+                    "20000", "--first"})
+                   .exit_code);
+  folder_.Make("STOCK.idx.2001", "waits");
+  std::string const user_file = folder_.Content("STOCK.UDB");
+  std::string const index = folder_.Content("STOCK.idx");
+  auto const run = Run({"convert", "STOCK.UDB", "--backup"});
+  EXPECT_EQ(0U, run.out.find("STOCK.UDB: converted (backup: STOCK.UDB.bak, "))
+      << run.out << run.err;
+  EXPECT_EQ(user_file, folder_.Content("STOCK.UDB.bak"));
+  EXPECT_EQ(index, folder_.Content("STOCK.idx.bak"));
+  EXPECT_EQ("waits", folder_.Content("STOCK.idx.2001.bak"));
+  std::filesystem::remove(folder_.folder() / "STOCK.idx.2001");
+  // The order stays.
+  EXPECT_EQ("ID\n20000\n1\n2\n",
+            Run({"show", "stock.db", "STOCK.UDB", "ARTICLE", "--order", "folge",
+                 "--columns", "ID"})
+                .out);
+}
+
+TEST_F(ToolConvert, NameSaysHowTheIndexIsCalled) {
+  MakeUserFile();
+  folder_.Make("PARTS.idx", "index");
+  EXPECT_EQ(
+      0,
+      Run({"convert", "STOCK.UDB", "--backup", "--name", "parts"}).exit_code);
+  EXPECT_EQ("index", folder_.Content("PARTS.idx.bak"));
+}
+
 TEST_F(ToolConvert, RefusesATargetThatIsThere) {
   MakeStock();
   folder_.Make("other.txt", "mine");
