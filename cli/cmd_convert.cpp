@@ -32,8 +32,8 @@ class ConvertCommand : public Command {
     options.Add("FILE", source_, "The database file, in any form").Required();
     options
         .Add("-o,--output", target_,
-             "Write the new file here; without this, FILE is replaced, "
-             "which needs --backup")
+             "Write the new file here, - is standard output; without this, "
+             "FILE is replaced, which needs --backup")
         .Value("FILE");
     options
         .Add("--name", name_,
@@ -55,17 +55,22 @@ class ConvertCommand : public Command {
     if (auto const problem = Examine(source_, &before)) {
       return Report(*problem);
     }
-    if (auto const problem = WhyNotReplaced(target)) return Report(*problem);
+    if (!IsToOutput()) {
+      if (auto problem = WhyNotReplaced(target)) return Report(*problem);
+    }
     if (write_.backup) {
       if (auto problem = BackUp()) return Report(*problem);
     }
     TemporaryFolder const folder;
     if (folder.path().empty()) return Report(TemporaryFolder::WhyMissing());
     std::string const written =
-        write_.dry_run ? ToUtf8(folder.path() / ToPath(target).filename())
-                       : target;
+        write_.dry_run || IsToOutput()
+            ? ToUtf8(folder.path() /
+                     ToPath(IsToOutput() ? source_ : target).filename())
+            : target;
     auto problem = ConvertFile(source_, written);
     if (!problem) problem = ReadDatabaseFile(written, &after);
+    if (!problem && IsToOutput() && !write_.dry_run) problem = HandOut(written);
     if (problem) {
       if (problem->where.file == written) problem->where.file = target;
       return Report(*problem);
@@ -75,8 +80,18 @@ class ConvertCommand : public Command {
   }
 
  private:
+  bool IsToOutput() const {
+    return target_ == "-" ||
+           (!target_.empty() && console::IsStandardOutput(ToPath(target_)));
+  }
+
   std::optional<Problem> CheckArguments() const {
     std::error_code error;
+    if (IsToOutput()) {
+      if (write_.dry_run || !console::OutIsTerminal()) return std::nullopt;
+      return Problem{TW(157), source_, "a terminal takes no database",
+                     "send standard output to a file or a pipe"};
+    }
     if (target_.empty()) {
       if (write_.backup || write_.dry_run) return std::nullopt;
       return Problem{TW(157), source_, "there is no target",
@@ -98,21 +113,30 @@ class ConvertCommand : public Command {
     return MakeBackup(files, &copies_);
   }
 
+  // A complete file.
+  static std::optional<Problem> HandOut(std::string const& written) {
+    std::string content;
+    if (!ReadWhole(ToPath(written), &content)) {
+      return TemporaryFolder::WhyMissing();
+    }
+    console::Out(content);
+    return std::nullopt;
+  }
+
   void Summarise(std::string const& target, DatabaseFile const& before,
                  DatabaseFile const& after) const {
-    Conclude(source_ + ": converted" +
-             (target == source_ ? "" : " to " + target) +
-             WriteEnding(write_, copies_));
-    if (CurrentSettings().quiet) return;
-    console::Out("  form    " + FormText(before) + " -> " + FormText(after) +
-                 "\n");
-    console::Out("  size    " + std::to_string(before.size_bytes) + " -> " +
-                 std::to_string(after.size_bytes) + " bytes\n");
-    console::Out("  tables  " +
+    std::string const to =
+        IsToOutput() ? " to standard output" : " to " + target;
+    Conclude(source_ + ": converted" + (target == source_ ? "" : to) +
+                 WriteEnding(write_, copies_) + "\n  form    " +
+                 FormText(before) + " -> " + FormText(after) + "\n  size    " +
+                 std::to_string(before.size_bytes) + " -> " +
+                 std::to_string(after.size_bytes) + " bytes\n  tables  " +
                  Count(static_cast<long long>(before.tables.size()), "table") +
                  ", " + Count(before.RowCount(), "row") + " -> " +
                  Count(static_cast<long long>(after.tables.size()), "table") +
-                 ", " + Count(after.RowCount(), "row") + "\n");
+                 ", " + Count(after.RowCount(), "row"),
+             IsToOutput());
   }
 
   std::string source_;

@@ -8,7 +8,6 @@
 
 #include "DBbase.h"
 #include "cli/commands.h"
-#include "cli/console.h"
 #include "cli/files.h"
 #include "cli/import_source.h"
 #include "cli/named_rows.h"
@@ -168,10 +167,7 @@ class ImportCommand : public Command {
               " rejected to " +
               (RejectsToOutput() ? "standard output" : RejectedFile());
     }
-    if (!RejectsToOutput()) return Conclude(text + ending);
-    // Nothing but rows goes to where they go.
-    static_cast<void>(console::FlushOut());
-    if (!CurrentSettings().quiet) console::Err(text + ending + "\n");
+    Conclude(text + ending, RejectsToOutput());
   }
 
   std::string rows_file_;

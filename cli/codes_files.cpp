@@ -188,7 +188,8 @@ constexpr CodeEntry kFileCodes[] = {
      "file; scripts and table data cannot say them.",
      "cp STOCK.idx source"},
     {157, "no-target", "There is no target to convert to", ExitCode::kUsage,
-     "A file is replaced only with a copy of what it was.",
+     "A file is replaced only with a copy of what it was, and a terminal takes "
+     "no database.",
      "tabwerk convert stock.db -o stock-new.db\n"
      "tabwerk convert stock.db --backup"},
     {158, "target-taken", "The target is there already", ExitCode::kUsage,

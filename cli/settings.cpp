@@ -60,8 +60,13 @@ void Tell(std::string const& text) {
   console::Err("tabwerk: " + text + "\n");
 }
 
-void Conclude(std::string const& text) {
-  if (!CurrentSettings().quiet) console::Out(text + "\n");
+void Conclude(std::string const& text, bool output_is_taken) {
+  if (!output_is_taken) {
+    if (!CurrentSettings().quiet) console::Out(text + "\n");
+    return;
+  }
+  static_cast<void>(console::FlushOut());
+  if (!CurrentSettings().quiet) console::Err(text + "\n");
 }
 
 }  // namespace tabwerk::tool

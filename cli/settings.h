@@ -35,8 +35,8 @@ std::string Styled(std::string const& text, char const* style, bool colors);
 // A line on standard error for -v.
 void Tell(std::string const& text);
 // The closing line of a command that has changed something, on standard
-// output; not with -q.
-void Conclude(std::string const& text);
+// output, or on standard error where that takes what was made; not with -q.
+void Conclude(std::string const& text, bool output_is_taken = false);
 
 }  // namespace tabwerk::tool
 

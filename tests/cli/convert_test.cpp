@@ -98,6 +98,37 @@ TEST_F(ToolConvert, NameSaysHowTheIndexIsCalled) {
   EXPECT_EQ("index", folder_.Content("PARTS.idx.bak"));
 }
 
+// A file was made that is called "-".
+TEST_F(ToolConvert, WritesToStandardOutput) {
+  // Bytes that streams of text change.
+  MakeDatabase("stock.db",
+               {PlainHeader::k2018, 0, {{"T", "integer ID\n", {"168626701"}}}});
+  auto const run = RunToLook({"convert", "stock.db", "-o", "-"});
+  EXPECT_EQ(0, run.exit_code);
+  EXPECT_EQ(0U, run.err.find("stock.db: converted to standard output\n"))
+      << run.err;
+  EXPECT_NE(std::string::npos, run.out.find("\r\n\r\n"));
+  EXPECT_EQ(0, Run({"convert", "stock.db", "-o", "new.db"}).exit_code);
+  EXPECT_EQ(folder_.ReadBytes("new.db").substr(19), run.out.substr(19));
+  auto const dry = RunToLook({"convert", "stock.db", "-o", "-", "--dry-run"});
+  EXPECT_EQ("", dry.out);
+  EXPECT_EQ(0, dry.exit_code) << dry.err;
+}
+
+#ifndef _WIN32
+
+TEST_F(ToolConvert, WritesToNoTerminal) {
+  MakeMainFile();
+  auto const run = RunToolOnTerminal(folder_.folder(),
+                                     {"convert", "stock.db", "-o", "-"}, 80);
+  EXPECT_EQ(0U, run.out.find("stock.db: error[TW157]: a terminal takes no "
+                             "database"))
+      << run.out;
+  EXPECT_EQ(2, run.exit_code);
+}
+
+#endif
+
 TEST_F(ToolConvert, RefusesATargetThatIsThere) {
   MakeStock();
   folder_.Make("other.txt", "mine");
