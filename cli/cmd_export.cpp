@@ -147,7 +147,8 @@ class ExportCommand : public Command {
     return MakeBackup(paths, &copies_);
   }
 
-  // None of them appears before all of them have room.
+  // None of them appears before all of them have room, and where one cannot
+  // take its place, those before it go back.
   std::optional<Problem> WriteAll(
       std::vector<ExportedFile const*> const& files) const {
     std::vector<std::unique_ptr<OutFile>> outputs;
@@ -158,7 +159,15 @@ class ExportCommand : public Command {
       if (auto problem = outputs.back()->Flush()) return problem;
     }
     for (auto const& output : outputs) {
-      if (auto problem = output->Close()) return problem;
+      if (auto problem = output->KeepReplaced()) return problem;
+    }
+    for (auto const& output : outputs) {
+      auto problem = output->Close();
+      if (!problem) continue;
+      for (auto const& earlier : outputs) {
+        if (auto const stays = earlier->Undo()) Report(*stays);
+      }
+      return problem;
     }
     return std::nullopt;
   }

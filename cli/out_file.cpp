@@ -37,9 +37,10 @@ OutFile::OutFile(std::string path) : path_(std::move(path)) {
 }
 
 OutFile::~OutFile() {
+  std::error_code ignored;  // what stays does no harm
+  if (!kept_.empty()) fs::remove(kept_, ignored);
   if (draft_.empty()) return;
   stream_.close();
-  std::error_code ignored;  // a draft that stays does no harm
   fs::remove(draft_, ignored);
 }
 
@@ -73,6 +74,17 @@ std::optional<Problem> OutFile::Open() {
   return std::nullopt;
 }
 
+fs::path OutFile::FreeName(char const* suffix) const {
+  std::error_code error;
+  fs::path name;
+  for (int i = 0; i < kDraftNames; ++i) {
+    name = target_;
+    name += fmt::format("{}{}", suffix, i);
+    if (!fs::exists(name, error)) break;
+  }
+  return name;
+}
+
 void OutFile::OpenDraft(fs::file_status const& status) {
   std::error_code error;
   // A link stays one.
@@ -80,12 +92,7 @@ void OutFile::OpenDraft(fs::file_status const& status) {
     fs::path const end = fs::canonical(target_, error);
     if (!error) target_ = end;
   }
-  fs::path draft;
-  for (int i = 0; i < kDraftNames; ++i) {
-    draft = target_;
-    draft += fmt::format(".part{}", i);
-    if (!fs::exists(draft, error)) break;
-  }
+  fs::path const draft = FreeName(".part");
   stream_.open(draft, std::ios::binary | std::ios::trunc);
   if (!stream_) return;
   draft_ = draft;
@@ -121,9 +128,49 @@ std::optional<Problem> OutFile::Close() {
     fs::rename(draft_, target_, error);
     if (error) return NotWritten();
     draft_.clear();
+    is_placed_ = true;
   }
   Tell("wrote " + path_);
   return std::nullopt;
+}
+
+std::optional<Problem> OutFile::KeepReplaced() {
+  std::error_code error;
+  if (draft_.empty() || !fs::exists(target_, error)) return std::nullopt;
+  kept_ = FreeName(".old");
+  kept_permissions_ = fs::status(target_, error).permissions();
+  // A read-only file cannot be taken away on every system, nor can a link to
+  // it.
+  bool const is_read_only =
+      (kept_permissions_ & fs::perms::owner_write) == fs::perms::none;
+  if (!is_read_only) {
+    fs::create_hard_link(target_, kept_, error);
+    if (!error) return std::nullopt;
+  }
+  // Not every disk has links, and not everybody may make one.
+  fs::copy_file(target_, kept_, error);
+  if (error) return NotWritten();
+  fs::permissions(kept_, fs::perms::owner_write, fs::perm_options::add, error);
+  fs::last_write_time(kept_, fs::last_write_time(target_, error), error);
+  return std::nullopt;
+}
+
+std::optional<Problem> OutFile::Undo() {
+  if (!is_placed_) return std::nullopt;
+  std::error_code error;
+  if (kept_.empty()) {
+    fs::remove(target_, error);
+  } else {
+    fs::rename(kept_, target_, error);
+    std::error_code ignored;  // a link has them
+    fs::permissions(target_, kept_permissions_, ignored);
+  }
+  is_placed_ = false;
+  fs::path const kept = std::exchange(kept_, fs::path());
+  if (!error) return std::nullopt;
+  return Problem{TW(117), path_,
+                 "the file is the new one, although not all are",
+                 kept.empty() ? "remove it" : "the old one is " + ToUtf8(kept)};
 }
 
 bool OutFile::IsTerminal() const {

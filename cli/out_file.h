@@ -34,10 +34,20 @@ class OutFile {
   std::optional<Problem> Flush();
   std::optional<Problem> Close();
 
+  // For one of several files that are to appear together or not at all.  Before
+  // Close: keeps the file that will be replaced, beside it, while this object
+  // lives.
+  std::optional<Problem> KeepReplaced();
+  // After it: brings that file back, or takes the new one away; a problem when
+  // that fails, and then the old file stays where it was kept.
+  std::optional<Problem> Undo();
+
   bool IsTerminal() const;
   bool IsStandardOutput() const { return path_.empty(); }
 
  private:
+  // The target's name with something behind it that no file has.
+  std::filesystem::path FreeName(char const* suffix) const;
   // status is that of the file to be replaced.
   void OpenDraft(std::filesystem::file_status const& status);
   Problem NotWritten() const;
@@ -45,7 +55,10 @@ class OutFile {
   std::string path_;
   std::filesystem::path target_;  // what the path leads to
   std::filesystem::path draft_;   // empty where the target is written into
-  bool to_error_ = false;         // standard error, by its path
+  std::filesystem::path kept_;    // what was replaced; empty for nothing
+  std::filesystem::perms kept_permissions_ = std::filesystem::perms::none;
+  bool is_placed_ = false;  // the draft has its name
+  bool to_error_ = false;   // standard error, by its path
   std::ofstream stream_;
 };
 

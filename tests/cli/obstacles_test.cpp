@@ -176,16 +176,19 @@ TEST_P(ToolObstacle, TheDiskIsFull) {
   Fails(call, 3);
 }
 
+constexpr unsigned kNobody = 65534;
+
+void BecomeNobody() {
+  if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 ||
+      setuid(kNobody) != 0) {
+    _exit(126);
+  }
+}
+
 TEST_P(ToolObstacle, TheUserMayNotWrite) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
   ToolCall call = Call();
-  call.prepare = [] {
-    constexpr unsigned kNobody = 65534;
-    if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 ||
-        setuid(kNobody) != 0) {
-      _exit(126);
-    }
-  };
+  call.prepare = BecomeNobody;
   ToolCall version = {{"--version"}, "", {}};
   version.prepare = call.prepare;
   if (RunWith(version).exit_code != 0) {
@@ -242,6 +245,41 @@ TEST_F(ToolCopy, ExportTellsOfAFileInPlaceOfItsFolder) {
   folder_.Make("out", "a file");
   Fails(CallOf({"export", "stock.db", "-d", "out"}), 3);
 }
+
+#ifndef _WIN32
+
+// What was wrong: the script was replaced, the data were not.
+TEST_F(ToolCopy, ExportBringsBackWhatItHasReplacedBeforeAFileThatItCannot) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+  using std::filesystem::perms;
+  ToolCall call = CallOf({"export", "stock.db", "-d", "out", "--force"});
+  EXPECT_EQ(0, RunWith(call).exit_code);
+  folder_.Make("out/stock.script", "# mine\n");
+  // In such a folder nobody replaces the files of others.
+  for (char const* const name : {"", "out", "temp"}) {
+    std::filesystem::permissions(folder_.folder() / name,
+                                 perms::all | perms::sticky_bit);
+  }
+  std::string const script = folder_.PathUtf8("out/stock.script");
+  ASSERT_EQ(0, chown(script.c_str(), kNobody, kNobody));
+  call.prepare = BecomeNobody;
+  ToolCall version = {{"--version"}, "", {}};
+  version.prepare = BecomeNobody;
+  if (RunWith(version).exit_code != 0) {
+    GTEST_SKIP() << "the tool cannot be reached by nobody";
+  }
+  Fails(call, 3);
+  EXPECT_EQ("# mine\n", folder_.Content("out/stock.script"));
+  // One that is read-only stays so.
+  std::filesystem::permissions(script, perms::owner_read);
+  Fails(call, 3);
+  EXPECT_EQ(perms::owner_read, std::filesystem::status(script).permissions());
+  // One that was not there is gone.
+  std::filesystem::remove(script);
+  Fails(call, 3);
+}
+
+#endif
 
 // What was wrong: the script was replaced before the data could not be.
 TEST_F(ToolCopy, ExportReplacesNothingWhenAFolderHasTheNameOfItsData) {
