@@ -21,38 +21,32 @@ class DumpCommand : public Command {
  public:
   void Declare(Options& options) override {
     AddDatabaseOptions(options, &files_);
-    options.Add("-t,--table", table_, "The table").Required().Value("TABLE");
+    options.Add("TABLE", last_word_, "The table, unless -t names it");
+    options.Add("-t,--table", table_, "The table").Value("TABLE");
     options
         .Add("--separator", separator_,
              "What stands between two values; \";\" otherwise")
         .Value("TEXT");
     options.AddFlag("--user", user_, "The rows of USERFILE, not those of FILE");
-    AddFormatOptions(options, &output_);
+    AddOutputOptions(options, &output_);
     options.Find("--format")
         .Describe(
             "table, csv, tsv, json, ndjson, md or list, with the names of the "
             "columns; auto: values with --separator between them");
     options.Notes(
         "Texts are as they are stored, with all languages; without --format\n"
-        "they stand between double quotes.  No file is changed.");
+        "they stand between double quotes, and --limit and --columns need a\n"
+        "format.  No file is changed.");
   }
 
   ExitCode Run() override {
-    if (user_ && files_.user.empty()) {
-      return Report({TW(105), "", "--user needs a USERFILE",
-                     "name the user file behind FILE"});
-    }
-    bool const has_format = output_.format != "auto";
-    if (has_format && separator_) {
-      return Report({TW(101), "", "--separator is not for --format",
-                     "leave one of them out"});
-    }
+    if (auto const problem = CheckArguments()) return Report(*problem);
     if (auto const problem = OpenToLook(files_)) return Report(*problem);
     DBTabelle* table = nullptr;
     if (auto const problem = FindTable(files_, table_, &table)) {
       return Report(*problem);
     }
-    if (has_format) return PrintRowsOf(*table);
+    if (HasFormat()) return PrintRowsOf(*table);
     std::wstring separator =
         zWString::fromUtf8(separator_.value_or(";")).toStdWString();
     OutFile file(output_.file);
@@ -64,6 +58,26 @@ class DumpCommand : public Command {
   }
 
  private:
+  bool HasFormat() const { return output_.format != "auto"; }
+
+  std::optional<Problem> CheckArguments() {
+    auto problem = SortTableWord("dump", &files_, &table_, &last_word_);
+    if (problem) return problem;
+    if (user_ && files_.user.empty()) {
+      return Problem{TW(105), "", "--user needs a USERFILE",
+                     "name the user file behind FILE"};
+    }
+    if (HasFormat() && separator_) {
+      return Problem{TW(101), "", "--separator is not for --format",
+                     "leave one of them out"};
+    }
+    if (!HasFormat() && (output_.limit || !output_.columns.empty())) {
+      return Problem{TW(101), "", "--limit and --columns need a --format",
+                     "add, for example, --format tsv"};
+    }
+    return std::nullopt;
+  }
+
   ExitCode PrintRowsOf(DBTabelle& table) const {
     RowChoice choice(table, LanguageChoice{"raw"});
     RowQuery query;
@@ -103,6 +117,7 @@ class DumpCommand : public Command {
   }
 
   DatabaseFiles files_;
+  std::string last_word_;
   std::string table_;
   std::optional<std::string> separator_;
   bool user_ = false;
@@ -116,10 +131,10 @@ CommandEntry const kDumpCommand = {
     "dump",
     Group::kLook,
     "Print a table as it is stored, texts in all languages",
-    {{"dump geo.db -t CURRENCY", "the shipped rows"},
-     {"dump geo.db -t CURRENCY --format csv -o currency.csv",
+    {{"dump geo.db CURRENCY", "the shipped rows"},
+     {"dump geo.db CURRENCY --format csv -o currency.csv",
       "the same for a spreadsheet, texts in all languages"},
-     {"dump geo.db GEO.UDB -t CURRENCY --user", "the user's rows"}},
+     {"dump geo.db GEO.UDB CURRENCY --user", "the user's rows"}},
     &MakeCommand<DumpCommand>};
 
 }  // namespace tabwerk::tool

@@ -1,11 +1,9 @@
 // tabwerk show: the rows of a table.
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "DBbase.h"
 #include "cli/commands.h"
-#include "cli/database_file.h"
 #include "cli/row_query.h"
 #include "cli/session.h"
 #include "cli/table_out.h"
@@ -58,22 +56,9 @@ class ShowCommand : public Command {
   }
 
  private:
-  // The table is the last word on the line, or named by -t: a second word is
-  // the table or the user file.
   std::optional<Problem> SortWords() {
-    if (table_.empty()) {
-      if (last_word_.empty() && !IsUserFile(files_.user)) {
-        last_word_ = std::exchange(files_.user, "");
-      }
-      table_ = std::exchange(last_word_, "");
-    }
-    if (table_.empty() || !last_word_.empty()) {
-      return Problem{TW(101), "",
-                     table_.empty() ? "no table is named"
-                                    : "two tables are named: " + table_ +
-                                          " and " + last_word_,
-                     "write \"tabwerk show " + files_.main +
-                         " TABLE\"; \"tabwerk info\" lists the tables"};
+    if (auto problem = SortTableWord("show", &files_, &table_, &last_word_)) {
+      return problem;
     }
     if (query_.part == "user" && files_.user.empty()) {
       return Problem{TW(105), "", "--part user needs a USERFILE",

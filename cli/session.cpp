@@ -2,6 +2,7 @@
 
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "DBbase.h"
@@ -103,6 +104,24 @@ void AddDatabaseOptions(Options& options, DatabaseFiles* files,
            "Name of the database, where it is not that of FILE; the "
            "index file is called after it")
       .Value("NAME");
+}
+
+std::optional<Problem> SortTableWord(std::string const& command,
+                                     DatabaseFiles* files, std::string* table,
+                                     std::string* last_word) {
+  if (table->empty()) {
+    if (last_word->empty() && !IsUserFile(files->user)) {
+      *last_word = std::exchange(files->user, "");
+    }
+    *table = std::exchange(*last_word, "");
+  }
+  if (!table->empty() && last_word->empty()) return std::nullopt;
+  return Problem{TW(101), "",
+                 table->empty()
+                     ? "no table is named"
+                     : "two tables are named: " + *table + " and " + *last_word,
+                 "write \"tabwerk " + command + " " + files->main +
+                     " TABLE\"; \"tabwerk info\" lists the tables"};
 }
 
 std::vector<fs::path> IndexFiles(DatabaseFiles const& files) {

@@ -28,6 +28,13 @@ struct DatabaseFiles {
 void AddDatabaseOptions(Options& options, DatabaseFiles* files,
                         bool user_file_required = false);
 
+// For a command that takes its table behind -t or as the last word of the line:
+// with last_word, declared behind the files, a second word is the table or the
+// user file.  command is for the message.
+std::optional<Problem> SortTableWord(std::string const& command,
+                                     DatabaseFiles* files, std::string* table,
+                                     std::string* last_word);
+
 // The index file of the database, where it is there, and those that a save has
 // left for the next opening to put in its place.
 std::vector<std::filesystem::path> IndexFiles(DatabaseFiles const& files);

@@ -340,6 +340,36 @@ TEST_F(ToolDump, HandsTheStoredRowsOutInEachFormat) {
   EXPECT_EQ(2, run.exit_code);
 }
 
+TEST_F(ToolDump, TakesTheTableAsTheLastWord) {
+  MakeStock();
+  EXPECT_EQ(Run({"dump", "stock.db", "-t", "ARTICLE"}).out,
+            Run({"dump", "stock.db", "ARTICLE"}).out);
+  EXPECT_EQ("20000;3;0;\"Washer\";0.5\n",
+            Run({"dump", "stock.db", "STOCK.UDB", "ARTICLE", "--user"}).out);
+  EXPECT_EQ(
+      "tabwerk: error[TW101]: no table is named; write \"tabwerk dump stock.db "
+      "TABLE\"; \"tabwerk info\" lists the tables\n",
+      Run({"dump", "stock.db", "STOCK.UDB"}).err);
+  EXPECT_EQ(2,
+            Run({"dump", "stock.db", "STOCK.UDB", "A", "-t", "B"}).exit_code);
+}
+
+TEST_F(ToolDump, LimitAndColumnsNeedAFormat) {
+  MakeStock();
+  EXPECT_EQ("NAME,ID\n#TS(Bolt¬Bolzen¬ボルト)TS~,1\n",
+            Run({"dump", "stock.db", "ARTICLE", "--format", "csv", "--limit",
+                 "1", "--columns", "NAME,ID"})
+                .out);
+  for (std::string const option : {"--limit=1", "--columns=ID"}) {
+    auto const run = Run({"dump", "stock.db", "ARTICLE", option});
+    EXPECT_EQ(
+        "tabwerk: error[TW101]: --limit and --columns need a --format; add, "
+        "for example, --format tsv\n",
+        run.err);
+    EXPECT_EQ(2, run.exit_code);
+  }
+}
+
 TEST_F(ToolDump, PrintsNothingForAnEmptyTable) {
   MakeStock();
   auto const run = Run({"dump", "stock.db", "-t", "EMPTY"});

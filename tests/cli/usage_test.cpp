@@ -41,9 +41,9 @@ TEST_F(ToolUsage, SuggestsTheCommandThatWasMeant) {
 }
 
 TEST_F(ToolUsage, PointsToTheHelpOfTheCommand) {
-  auto const run = Run({"dump", "a.db"});
+  auto const run = Run({"import", "a.csv", "a.db", "A.UDB"});
   EXPECT_EQ(
-      "tabwerk: error[TW101]: --table is required; see \"tabwerk dump "
+      "tabwerk: error[TW101]: --table is required; see \"tabwerk import "
       "--help\"\n",
       run.err);
   EXPECT_EQ(2, run.exit_code);
