@@ -12,6 +12,7 @@
 #include "cli/index_state.h"
 #include "cli/out_file.h"
 #include "cli/session.h"
+#include "cli/table_out.h"
 
 namespace tabwerk::tool {
 namespace {
@@ -29,12 +30,16 @@ class InfoCommand : public Command {
              "Name of the database, where it is not that of the first "
              "FILE; the index file is called after it")
         .Value("NAME");
-    options.Add("--format", format_, "text or json")
-        .OneOf({"text", "json"})
+    output_.format = "text";
+    options
+        .Add("--format", output_.format,
+             "text or json; table, csv, tsv, ndjson, md or list: a row for "
+             "each table")
+        .OneOf({"text", "json", "table", "csv", "tsv", "ndjson", "md", "list"})
         .Value("FORMAT")
         .Group("Output");
     options
-        .Add("-o,--output", output_,
+        .Add("-o,--output", output_.file,
              "Write to this file, which appears when it is complete; - "
              "is standard output")
         .Value("FILE")
@@ -45,28 +50,64 @@ class InfoCommand : public Command {
   }
 
   ExitCode Run() override {
-    OutFile out(output_);
-    if (auto const problem = out.Open()) return Report(*problem);
+    if (output_.format == "text" || output_.format == "json") {
+      return PrintCards();
+    }
     ExitCode code = ExitCode::kDone;
+    TableOut out(output_);
+    if (auto problem = out.Begin({{"FILE"},
+                                  {"TABLE"},
+                                  {"ROWS", CellType::kInteger},
+                                  {"VERDICT"},
+                                  {"COLUMNS"}})) {
+      return Report(*problem);
+    }
     std::vector<HealthCard> cards;
     for (std::string const& path : paths_) {
-      ExitCode const found = Examine(path, &cards, out);
+      ExitCode const found = Examine(path, &cards, nullptr);
       if (code == ExitCode::kDone) code = found;
     }
-    if (format_ == "json") out.Write(CardsAsJson(cards));
-    if (auto const problem = out.Close()) return Report(*problem);
+    for (HealthCard const& card : cards) AddTables(card.file, out);
+    if (auto const problem = out.End()) return Report(*problem);
     return code;
   }
 
  private:
+  ExitCode PrintCards() const {
+    OutFile out(output_.file);
+    if (auto const problem = out.Open()) return Report(*problem);
+    bool const as_text = output_.format == "text";
+    ExitCode code = ExitCode::kDone;
+    std::vector<HealthCard> cards;
+    for (std::string const& path : paths_) {
+      ExitCode const found = Examine(path, &cards, as_text ? &out : nullptr);
+      if (code == ExitCode::kDone) code = found;
+    }
+    if (!as_text) out.Write(CardsAsJson(cards));
+    if (auto const problem = out.Close()) return Report(*problem);
+    return code;
+  }
+
+  static void AddTables(DatabaseFile const& file, TableOut& out) {
+    for (TableSummary const& table : file.tables) {
+      // The number of rows of a damaged one cannot be true.
+      Cell rows;
+      if (!table.damaged) rows = std::int64_t{table.row_count};
+      out.Add({file.path, table.name, rows,
+               VerdictText(table.damaged ? Verdict::kDamaged : Verdict::kSound),
+               table.columns});
+    }
+  }
+
+  // With its text, where there is a file for it.
   ExitCode Examine(std::string const& path, std::vector<HealthCard>* cards,
-                   OutFile& out) const {
+                   OutFile* text) const {
     HealthCard card;
     if (auto const problem = ExamineFile(path, &card)) return Report(*problem);
     cards->push_back(std::move(card));
     if (IsUserFile(path)) ExamineIndex(cards);
-    if (format_ == "text") {
-      out.Write((cards->size() > 1 ? "\n" : "") + CardAsText(cards->back()));
+    if (text != nullptr) {
+      text->Write((cards->size() > 1 ? "\n" : "") + CardAsText(cards->back()));
     }
     if (cards->back().verdict != Verdict::kDamaged) return ExitCode::kDone;
     return Report(
@@ -95,8 +136,7 @@ class InfoCommand : public Command {
 
   std::vector<std::string> paths_;
   std::string name_;
-  std::string format_ = "text";
-  std::string output_;
+  OutputOptions output_;
 };
 
 }  // namespace

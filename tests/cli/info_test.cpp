@@ -37,6 +37,25 @@ TEST_F(ToolInfo, ListsHeaderAndTables) {
   EXPECT_EQ(0, run.exit_code);
 }
 
+TEST_F(ToolInfo, ListsTablesAsRows) {
+  MakeStock();
+  std::string bytes = folder_.Content("stock.db");
+  bytes[bytes.find("real PRICE\n") + 15] = '\x7F';
+  folder_.Make("stock.db", bytes);
+  auto const run = RunToLook({"info", "stock.db", "STOCK.UDB", "--format=csv"});
+  EXPECT_EQ(
+      "FILE,TABLE,ROWS,VERDICT,COLUMNS\n"
+      "stock.db,ARTICLE,,damaged,\"ID integer, FOLGE integer, STATUS integer, "
+      "NAME string, PRICE real\"\n"
+      "stock.db,EMPTY,0,sound,\"ID integer, NAME string\"\n"
+      "STOCK.UDB,ARTICLE,1,sound,\"ID integer, FOLGE integer, STATUS integer, "
+      "NAME string, PRICE real\"\n"
+      "STOCK.UDB,EMPTY,0,sound,\"ID integer, NAME string\"\n",
+      run.out);
+  EXPECT_EQ(0U, run.err.find("stock.db: error[TW125]: "));
+  EXPECT_EQ(4, run.exit_code);
+}
+
 TEST_F(ToolInfo, NamesEveryHeaderForm) {
   auto const header = [this](PlainHeader form) {
     MakeDatabase("a.db", {form, 1000, {{"T", "integer ID\n", {"1"}}}});
