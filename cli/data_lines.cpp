@@ -1,6 +1,7 @@
 #include "cli/data_lines.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <utility>
 
 #include "cli/text.h"
@@ -18,6 +19,37 @@ std::string LineToUtf8(std::u16string_view units) {
 }
 
 }  // namespace
+
+std::vector<SplitValue> SplitLine(DBInterpreter& tokenizer,
+                                  std::u16string_view line,
+                                  char16_t separator) {
+  std::wstring units;
+  units.reserve(line.size());
+  for (char16_t const unit : line) units += static_cast<wchar_t>(unit);
+  auto const wide_separator = static_cast<wchar_t>(separator);
+  std::vector<SplitValue> values;
+  std::size_t const begin = line.find_first_not_of(u" \t");
+  wchar_t const* const first =
+      tokenizer.GetNextToken(units.data(), wide_separator);
+  for (wchar_t const* token = first; token != nullptr;
+       token = tokenizer.GetNextToken(nullptr, wide_separator)) {
+    std::size_t const offset = begin + static_cast<std::size_t>(token - first);
+    values.push_back({offset, line.substr(offset, std::wcslen(token))});
+  }
+  return values;
+}
+
+Place PlaceInLine(std::string const& path, std::size_t number,
+                  std::u16string_view line, std::size_t offset,
+                  std::size_t length) {
+  std::size_t const from = std::min(offset, line.size());
+  Place found(path, number,
+              CharacterCount(LineToUtf8(line.substr(0, from))) + 1);
+  found.length = std::max<std::size_t>(
+      1, CharacterCount(LineToUtf8(line.substr(from, length))));
+  found.source = LineToUtf8(WithoutLineEnd(line));
+  return found;
+}
 
 DataLines::DataLines(std::string path, std::string_view bytes)
     : path_(std::move(path)) {
@@ -55,14 +87,8 @@ bool DataLines::Next() {
 }
 
 Place DataLines::At(LinePlace const& place) const {
-  std::u16string_view const line = LineAt(place.begin);
-  std::size_t const from = std::min(place.offset, line.size());
-  Place found(path_, place.number,
-              CharacterCount(LineToUtf8(line.substr(0, from))) + 1);
-  found.length = std::max<std::size_t>(
-      1, CharacterCount(LineToUtf8(line.substr(from, place.length))));
-  found.source = LineToUtf8(WithoutLineEnd(line));
-  return found;
+  return PlaceInLine(path_, place.number, LineAt(place.begin), place.offset,
+                     place.length);
 }
 
 }  // namespace tabwerk::tool

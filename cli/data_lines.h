@@ -5,13 +5,31 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "DBInterpreter.h"
 #include "cli/errors.h"
 
 namespace tabwerk::tool {
 
 // The byte order mark in front of the lines.
 inline constexpr std::size_t kMarkBytes = 2;
+
+// A value of a line; the offset is in units.
+struct SplitValue {
+  std::size_t offset;
+  std::u16string_view text;
+};
+
+// The values of a line without a NUL, as the library's tokenizer hands them
+// out.
+std::vector<SplitValue> SplitLine(DBInterpreter& tokenizer,
+                                  std::u16string_view line, char16_t separator);
+
+// The place of so many units at that offset of a line.
+Place PlaceInLine(std::string const& path, std::size_t number,
+                  std::u16string_view line, std::size_t offset,
+                  std::size_t length);
 
 // A part of a line, to be found again; offsets and lengths in units.
 struct LinePlace {

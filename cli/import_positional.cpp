@@ -34,7 +34,7 @@ class PositionalSource : public ImportSource {
       }
       rejected_.append(line.whole);
       ++rejected_count_;
-      Warn({objection->code, Place(name_, line.number), objection->what,
+      Warn({objection->code, PlaceOf(line, *objection), objection->what,
             "the line is rejected"});
     }
     return std::nullopt;
@@ -76,6 +76,13 @@ class PositionalSource : public ImportSource {
   }
 
  private:
+  Place PlaceOf(RowLine const& line, RowObjection const& objection) const {
+    Place place = PlaceInLine(name_, line.number, line.text,
+                              objection.offset.value_or(0), objection.length);
+    if (!objection.offset) place.column = 0;
+    return place;
+  }
+
   std::string name_;
   char16_t separator_;
   std::optional<RowText> rows_;

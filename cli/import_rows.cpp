@@ -19,13 +19,13 @@ constexpr std::size_t kMaxLineUnits = 4095;
 
 // A value of a numeric column as the import reads it, in ASCII: commas are
 // full stops, one pair of quotes is gone.  Other characters become "?".
-std::string NumberInAscii(std::wstring_view token) {
-  if (!token.empty() && token.front() == L'"' && token.back() == L'"') {
+std::string NumberInAscii(std::u16string_view token) {
+  if (!token.empty() && token.front() == u'"' && token.back() == u'"') {
     token = token.substr(1, token.size() < 2 ? 0 : token.size() - 2);
   }
   std::string text;
-  for (wchar_t const character : token) {
-    if (character == L',') {
+  for (char16_t const character : token) {
+    if (character == u',') {
       text += '.';
     } else {
       text += character > 0x7F ? '?' : static_cast<char>(character);
@@ -105,47 +105,51 @@ std::optional<RowObjection> RowJudge::Objection(std::u16string_view line) {
   if (line.size() >= kMaxLineUnits) {
     return RowObjection{TW(601), "the line is longer than 4094 characters"};
   }
-  if (line.find(u'\0') != line.npos) {
-    return RowObjection{TW(602), "there is a NUL character in it"};
+  std::size_t const nul = line.find(u'\0');
+  if (nul != line.npos) {
+    return RowObjection{TW(602), "there is a NUL character in it", nul};
   }
-  std::wstring text = zWString(line).toStdWString();
-  auto const separator = static_cast<wchar_t>(separator_);
+  auto const values = SplitLine(tokenizer_, line, separator_);
   DBFeld const* field = definition_.GetDefinition();
-  std::size_t count = 0;
-  for (wchar_t const* token = tokenizer_.GetNextToken(text.data(), separator);
-       token != nullptr; token = tokenizer_.GetNextToken(nullptr, separator)) {
-    ++count;
-    if (field == nullptr) continue;
-    if (auto objection = ValueObjection(*field, token)) return objection;
+  for (SplitValue const& value : values) {
+    if (field == nullptr) break;
+    if (auto objection = ValueObjection(*field, value)) return objection;
     field = field->next;
   }
+  std::size_t count = values.size();
   // A separator at the end has an empty value behind it, which is no token.
   // Blanks and tabs are skipped before a value, so there it may be missing
   // anywhere.
   bool const may_end_empty = separator_ != u' ' && separator_ != u'\t';
   if (may_end_empty && line.ends_with(separator_)) ++count;
   if (count == column_count_) return std::nullopt;
-  return RowObjection{
+  RowObjection objection{
       TW(603), Count(static_cast<long long>(count), "value") + " for " +
                    Count(static_cast<long long>(column_count_), "column")};
+  if (values.size() > column_count_) {
+    objection.offset = values[column_count_].offset;
+    objection.length = values[column_count_].text.size();
+  }
+  return objection;
 }
 
 std::optional<RowObjection> RowJudge::ValueObjection(DBFeld const& field,
-                                                     std::wstring_view token) {
+                                                     SplitValue const& given) {
   bool const is_number =
       field.type == DBTypeInteger || field.type == DBTypeReal;
   if (!is_number || IsAssigned(field.name)) return std::nullopt;
-  std::string const text = NumberInAscii(token);
+  std::string const text = NumberInAscii(given.text);
   if (text.empty()) return std::nullopt;
-  std::string const value =
-      "\"" + Escape(zWString(std::wstring(token)).toUtf8()) + "\"";
+  std::string const value = "\"" + Escape(zWString(given.text).toUtf8()) + "\"";
   std::string const column = NameToUtf8(field.name);
   if (field.type == DBTypeInteger) {
     if (Reads<std::int32_t>(text)) return std::nullopt;
-    return RowObjection{TW(604), value + " is no integer for column " + column};
+    return RowObjection{TW(604), value + " is no integer for column " + column,
+                        given.offset, given.text.size()};
   }
   if (Reads<double>(text)) return std::nullopt;
-  return RowObjection{TW(605), value + " is no number for column " + column};
+  return RowObjection{TW(605), value + " is no number for column " + column,
+                      given.offset, given.text.size()};
 }
 
 }  // namespace tabwerk::tool

@@ -12,6 +12,7 @@
 #include "DBDefinition.h"
 #include "DBInterpreter.h"
 #include "cli/codes.h"
+#include "cli/data_lines.h"
 
 namespace tabwerk::tool {
 
@@ -46,6 +47,9 @@ std::string EncodeUnits(std::u16string_view units, bool with_mark);
 struct RowObjection {
   Code code;
   std::string what;
+  // What is meant in the line, in units; without it the line as a whole.
+  std::optional<std::size_t> offset = std::nullopt;
+  std::size_t length = 1;
 };
 
 // Judges lines by what the library's import makes of them: a line is taken
@@ -60,7 +64,7 @@ class RowJudge {
 
  private:
   static std::optional<RowObjection> ValueObjection(DBFeld const& field,
-                                                    std::wstring_view token);
+                                                    SplitValue const& given);
 
   DBDefinition const& definition_;
   char16_t separator_;

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <cwchar>
 #include <utility>
 
 #include "cli/files.h"
@@ -13,8 +12,6 @@
 
 namespace tabwerk::tool {
 namespace {
-
-constexpr wchar_t kWideComma = L',';
 
 std::string Shown(std::u16string_view text) {
   constexpr std::size_t kMostShown = 40;
@@ -67,24 +64,9 @@ bool RowLint::CheckPiece() {
     ++*rows_;
     return true;
   }
-  std::vector<SplitValue> const values = Split(lines_.Piece());
+  std::vector<SplitValue> const values =
+      SplitLine(tokenizer_, lines_.Piece(), u',');
   return values.empty() || CheckRow(values);
-}
-
-std::vector<SplitValue> RowLint::Split(std::u16string_view line) {
-  std::wstring units;
-  units.reserve(line.size());
-  for (char16_t const unit : line) units += static_cast<wchar_t>(unit);
-  std::vector<SplitValue> values;
-  std::size_t const begin = line.find_first_not_of(u" \t");
-  wchar_t const* const first =
-      tokenizer_.GetNextToken(units.data(), kWideComma);
-  for (wchar_t const* token = first; token != nullptr;
-       token = tokenizer_.GetNextToken(nullptr, kWideComma)) {
-    std::size_t const offset = begin + static_cast<std::size_t>(token - first);
-    values.push_back({offset, line.substr(offset, std::wcslen(token))});
-  }
-  return values;
 }
 
 bool RowLint::CheckRow(std::vector<SplitValue> const& values) {

@@ -13,12 +13,6 @@
 
 namespace tabwerk::tool {
 
-// A value of a line; offsets and lengths in units of its piece.
-struct SplitValue {
-  std::size_t offset;
-  std::u16string_view text;
-};
-
 // Walks through the lines.  Borrows all that it is given.
 class RowLint {
  public:
@@ -53,8 +47,6 @@ class RowLint {
   void CheckCharacters() const;
   void CheckHalfCharacters() const;
   void CheckLongLine();
-  // The values of a line, as the library's tokenizer hands them out.
-  std::vector<SplitValue> Split(std::u16string_view line);
 
   ScriptTable const& table_;
   DataLines& lines_;

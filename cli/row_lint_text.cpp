@@ -55,8 +55,8 @@ void RowLint::CheckLongLine() {
        "the line is longer than 4,095 characters; from here on it is read as "
        "another row",
        "shorten its texts");
-  for (SplitValue const& value :
-       Split(lines_.Line().substr(0, kMaxTokenizedUnits))) {
+  for (SplitValue const& value : SplitLine(
+           tokenizer_, lines_.Line().substr(0, kMaxTokenizedUnits), u',')) {
     if (value.text.size() <= format::kMaxTextUnits) continue;
     Warn(TW(256), lines_.At(value.offset),
          "the text is longer than 8,095 characters, which no database holds",

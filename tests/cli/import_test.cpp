@@ -74,14 +74,19 @@ TEST_F(ToolImport, SetsRejectedLinesAsideVerbatim) {
   EXPECT_EQ(
       "rows.txt:2: warning[TW603]: 4 values for 5 columns; the line is "
       "rejected\n"
-      "rows.txt:4: warning[TW603]: 6 values for 5 columns; the line is "
+      "    2 | 0;0;0;too few\n"
+      "rows.txt:4:14: warning[TW603]: 6 values for 5 columns; the line is "
       "rejected\n"
-      "rows.txt:5: warning[TW605]: \"1.234,5\" is no number for column PRICE; "
-      "the "
+      "    4 | 0;0;0;Anna;1;too many\n"
+      "      |              ^~~~~~~~\n"
+      "rows.txt:5:12: warning[TW605]: \"1.234,5\" is no number for column "
+      "PRICE; the line is rejected\n"
+      "    5 | 0;0;0;Bert;1.234,5\n"
+      "      |            ^~~~~~~\n"
+      "rows.txt:7:12: warning[TW605]: \"x\" is no number for column PRICE; the "
       "line is rejected\n"
-      "rows.txt:7: warning[TW605]: \"x\" is no number for column PRICE; the "
-      "line is "
-      "rejected\n",
+      "    7 | 0;0;0;Carl;x\n"
+      "      |            ^\n",
       run.err);
   EXPECT_EQ(6, run.exit_code);
   EXPECT_EQ(
@@ -93,6 +98,22 @@ TEST_F(ToolImport, SetsRejectedLinesAsideVerbatim) {
       Rows("STOCK.UDB", "ARTICLE"));
 }
 
+// Characters, where the library counts in units and skips blanks.
+TEST_F(ToolImport, ShowsWhereInALineAValueDoesNotFit) {
+  MakeStock();
+  MakeUnits("rows.txt", "  0; 0;0;\U0001F600 Größe; 1x;\n", false);
+  EXPECT_EQ(
+      "rows.txt:1:19: warning[TW605]: \"1x\" is no number for column PRICE; "
+      "the line is rejected\n"
+      "    1 |   0; 0;0;\U0001F600 Größe; 1x;\n"
+      "      |                    ^~\n",
+      Import().err);
+  MakeUnits("rows.txt", std::string("0;0;0;An\0na;1\n", 14), false);
+  EXPECT_EQ(0U, Import().err.find("rows.txt:1:9: warning[TW602]: there is a "
+                                  "NUL character in it; the line is "))
+      << Import().err;
+}
+
 TEST_F(ToolImport, RejectsALineThatTheLibraryWouldReadInPieces) {
   MakeStock();
   MakeUnits("rows.txt",
@@ -102,8 +123,9 @@ TEST_F(ToolImport, RejectsALineThatTheLibraryWouldReadInPieces) {
   auto const run = Import();
   EXPECT_EQ(
       "rows.txt:2: warning[TW601]: the line is longer than 4094 characters; "
-      "the line "
-      "is rejected\n",
+      "the line is rejected\n"
+      "    2 | 0;0;0;" +
+          std::string(114, 'y') + "…\n",
       run.err);
   EXPECT_EQ(6, run.exit_code);
   EXPECT_EQ(
@@ -122,8 +144,10 @@ TEST_F(ToolImport, RejectsEmptyValuesBetweenTabs) {
   EXPECT_EQ(
       "rows.txt:2: warning[TW603]: 4 values for 5 columns; the line is "
       "rejected\n"
+      "    2 | 0  0 Pin 1\n"
       "rows.txt:3: warning[TW603]: 4 values for 5 columns; the line is "
-      "rejected\n",
+      "rejected\n"
+      "    3 | 0 0 0 Nail \n",
       run.err);
   EXPECT_EQ("[20000|3|0|Washer|0.5][20001|4|0|Rivet|0.1]",
             Rows("STOCK.UDB", "ARTICLE"));
