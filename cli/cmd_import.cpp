@@ -129,6 +129,7 @@ class ImportCommand : public Command {
       if (auto problem = SetAside()) return problem;
     }
     if (source_->AcceptedCount() == 0) return std::nullopt;
+    user_file.KeepIndex();
     if (auto problem = AppendRows(files, *table)) return problem;
     user_file.Keep();
     return std::nullopt;

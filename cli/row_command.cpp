@@ -48,6 +48,7 @@ std::optional<Problem> RowCommand::ChangeAndSave(DatabaseFiles const& files) {
     return std::nullopt;
   }
   saves_ = true;
+  user_file.KeepIndex();
   if (auto problem = SaveUserFile(files)) return problem;
   user_file.Keep();
   return std::nullopt;

@@ -48,21 +48,23 @@ bool WriteEmpty(DBDirectory const& main, fs::path const& path) {
 NewUserFile::NewUserFile(DatabaseFiles const& files)
     : files_(files),
       path_(ToPath(files.user)),
-      index_(IndexPath(files.user, files.DatabaseName())) {}
+      index_(IndexPath(files.user, files.DatabaseName())),
+      had_index_(!IndexFiles(files).empty()) {}
 
 NewUserFile::~NewUserFile() {
-  if (!was_made_ || is_kept_) return;
-  // The manager may have it open, and has made an index for it.
+  if (is_kept_) return;
+  std::error_code ignored;  // an index, or an empty user file, does no harm
+  // While the manager keeps others from saving.
+  bool const is_fresh = !had_index_ && (was_made_ || !is_index_kept_);
+  if (is_fresh) fs::remove(index_, ignored);
+  if (!was_made_) return;
   static_cast<void>(DBbase::Init({}, {}));
-  std::error_code ignored;  // an empty user file does no harm
   fs::remove(path_, ignored);
-  if (!had_index_) fs::remove(index_, ignored);
 }
 
 std::optional<Problem> NewUserFile::MakeWhenMissing() {
   std::error_code error;
   if (fs::exists(path_, error)) return std::nullopt;
-  had_index_ = fs::exists(index_, error);
   DBDirectory main;
   main.Initialize(zWString(), {zWString::fromUtf8(files_.main)});
   if (!main.OpenDBdatei(0, false, false)) {

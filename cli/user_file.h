@@ -11,7 +11,8 @@
 namespace tabwerk::tool {
 
 // Makes the user file of the database when it is missing, with the tables of
-// the main file and no rows, and takes it away again unless it was kept.
+// the main file and no rows, and takes it away again unless it was kept.  The
+// same for an index that opening has made, unless something was saved.
 class NewUserFile {
  public:
   explicit NewUserFile(DatabaseFiles const& files);
@@ -23,6 +24,8 @@ class NewUserFile {
   std::optional<Problem> MakeWhenMissing();
   bool WasMade() const { return was_made_; }
   void Keep() { is_kept_ = true; }
+  // Before a save: from then on the index may hold what nothing else does.
+  void KeepIndex() { is_index_kept_ = true; }
 
  private:
   DatabaseFiles const& files_;
@@ -31,6 +34,7 @@ class NewUserFile {
   bool had_index_ = false;
   bool was_made_ = false;
   bool is_kept_ = false;
+  bool is_index_kept_ = false;
 };
 
 }  // namespace tabwerk::tool

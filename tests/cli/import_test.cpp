@@ -174,7 +174,7 @@ TEST_F(ToolImport, KeepsNoBackupWhenAllLinesAreRejected) {
   auto const run = Run({"import", "rows.txt", "stock.db", "STOCK.UDB", "-t",
                         "ARTICLE", "--backup"});
   EXPECT_EQ(6, run.exit_code);
-  EXPECT_EQ((std::vector<std::string>{"STOCK.UDB", "STOCK.idx", "rows.txt",
+  EXPECT_EQ((std::vector<std::string>{"STOCK.UDB", "rows.txt",
                                       "rows.txt.rejected", "stock.db"}),
             folder_.Names());
 }

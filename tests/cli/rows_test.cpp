@@ -51,6 +51,21 @@ TEST_F(ToolRows, AddGivesTheNextIdAndTheLastPlace) {
             Rows("STOCK.UDB", "ARTICLE"));
 }
 
+// An index stayed beside the user file although nothing was changed.
+TEST_F(ToolRows, ARefusalLeavesNoIndexThatWasNotThere) {
+  MakeStock();
+  std::string const before = Snapshot();
+  EXPECT_EQ(6, Change("add", {"PRICE=much"}).exit_code);
+  EXPECT_EQ(2, Change("set", {"PRICE=1", "--id", "1"}).exit_code);
+  EXPECT_EQ(0, Change("activate", {"--id", "1"}).exit_code);
+  EXPECT_EQ(before, Snapshot());
+  // One that was there stays.
+  EXPECT_EQ(0, Change("move", {"--id", "2", "--first"}).exit_code);
+  std::string const index = folder_.Content("STOCK.idx");
+  EXPECT_EQ(6, Change("add", {"PRICE=much"}).exit_code);
+  EXPECT_EQ(index, folder_.Content("STOCK.idx"));
+}
+
 TEST_F(ToolRows, AddMakesAMissingUserFileAndTakesMissingColumns) {
   MakeMainFile();
   EXPECT_EQ(0, Change("add", {}).exit_code);
