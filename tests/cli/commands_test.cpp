@@ -278,6 +278,23 @@ TEST_F(ToolCommands, ExplainSaysMoreOfANumber) {
 
 #ifndef _WIN32
 
+// Where the shell is installed, it parses its script.
+TEST_F(ToolCommands, ShellsUnderstandTheirScripts) {
+  std::string missing;
+  for (std::string const shell : {"zsh", "fish"}) {
+    if (std::system(("command -v " + shell + " >/dev/null").c_str()) != 0) {
+      missing += " " + shell;
+      continue;
+    }
+    folder_.Make("script", Run({"completion", shell}).out);
+    EXPECT_EQ(0,
+              std::system(
+                  (shell + " -n '" + folder_.PathUtf8("script") + "'").c_str()))
+        << shell;
+  }
+  if (!missing.empty()) GTEST_SKIP() << "not installed:" << missing;
+}
+
 // What bash makes of the script.
 TEST_F(ToolCommands, BashCompletes) {
   folder_.Make("complete", Run({"completion", "bash"}).out);
