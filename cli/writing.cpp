@@ -26,6 +26,14 @@ bool IsThere(fs::path const& file) {
   return fs::exists(file, error);
 }
 
+void RemoveCopies(std::vector<std::string>* copies) {
+  for (std::string const& copy : *copies) {
+    std::error_code ignored;  // a copy that stays does no harm
+    fs::remove(ToPath(copy), ignored);
+  }
+  copies->clear();
+}
+
 Problem NotBackedUp(fs::path const& copy) {
   return {TW(131), ToUtf8(copy), "the backup cannot be made",
           "nothing was changed; check the folder and the space on the disk"};
@@ -63,7 +71,10 @@ std::optional<Problem> MakeBackup(std::vector<fs::path> const& files,
   }
   for (fs::path const& file : there) {
     fs::path const copy = BackupName(file, number);
-    if (CopyFile(file, copy)) return NotBackedUp(copy);
+    if (CopyFile(file, copy)) {
+      RemoveCopies(copies);
+      return NotBackedUp(copy);
+    }
     copies->push_back(ToUtf8(copy));
   }
   return std::nullopt;
@@ -97,13 +108,7 @@ std::optional<Problem> WriteTarget::PrepareCopies() {
   return CopyUserFiles(files_, folder_->path());
 }
 
-void WriteTarget::DropBackup() {
-  for (std::string const& copy : copies_) {
-    std::error_code ignored;  // a copy that stays does no harm
-    fs::remove(ToPath(copy), ignored);
-  }
-  copies_.clear();
-}
+void WriteTarget::DropBackup() { RemoveCopies(&copies_); }
 
 Problem WriteTarget::InUsersNames(Problem problem) const {
   if (problem.where.file == working_.user) problem.where.file = files_.user;

@@ -24,7 +24,8 @@ struct WriteOptions {
 void AddWriteOptions(Options& options, WriteOptions* write);
 
 // Copies those files that are there to NAME.bak, or where one of these is
-// taken, all of them to NAME.bak2, NAME.bak3 …  Adds the names of the copies.
+// taken, all of them to NAME.bak2, NAME.bak3 …  Adds the names of the copies;
+// where one cannot be made, none is left.
 std::optional<Problem> MakeBackup(
     std::vector<std::filesystem::path> const& files,
     std::vector<std::string>* copies);

@@ -117,6 +117,34 @@ TEST_F(ToolExport, RefusesWithThePlace) {
   EXPECT_EQ(1, run.exit_code);
 }
 
+TEST_F(ToolExport, CountsRefusalsThatItDoesNotList) {
+  std::string const said =
+      OfRows(std::vector<std::string>(25, "1|0|0|two\nlines|0|"));
+  EXPECT_NE(std::string::npos,
+            said.find("stock.db: error[TW155]: 5 more like these; mend those "
+                      "above first\n"))
+      << said;
+}
+
+// Its place was made to lie behind the texts.
+TEST_F(ToolExport, RefusesATextThatLiesOutside) {
+  MakeDatabase("stock.db", {PlainHeader::kCurrent,
+                            1000,
+                            {{"T", "string A\n", {"first", "second"}}}});
+  std::string bytes = folder_.Content("stock.db");
+  auto const places = bytes.find(std::string("\0\0\0\0\6\0\0\0", 8));
+  ASSERT_NE(std::string::npos, places);
+  bytes[places + 4] = 100;
+  folder_.Make("stock.db", bytes);
+  for (std::vector<std::string> const& words :
+       {std::vector<std::string>{"export", "stock.db", "-d", "source"},
+        {"convert", "stock.db", "-o", "new.db"}}) {
+    auto const run = RunToLook(words);
+    EXPECT_EQ(0U, run.err.find("stock.db: error[TW614]: table T, row 1, "))
+        << run.err;
+  }
+}
+
 TEST_F(ToolExport, RefusesDefinitionsThatWouldNotReadBack) {
   EXPECT_EQ("same", OfRows({}, "integer ID,unknown X,string NAME\n"));
   EXPECT_NE(std::string::npos,

@@ -181,6 +181,14 @@ TEST_F(ToolImportNamed, DryRunChangesNothing) {
   EXPECT_EQ(before, Snapshot());
 }
 
+TEST_F(ToolImportNamed, RejectsATextWithANul) {
+  auto const run = Import("rows.ndjson", "{\"NAME\": \"An\\u0000na\"}\n");
+  EXPECT_NE(std::string::npos, run.err.find("warning[TW602]: there is a NUL "
+                                            "character in the text for "))
+      << run.err;
+  EXPECT_EQ(6, run.exit_code);
+}
+
 TEST_F(ToolImportNamed, TheFormOfRowsByPositionCanBeNamed) {
   MakeUnits("rows.csv", "0;0;0;Rivet;0.1\n");
   auto const run = Run({"import", "rows.csv", "stock.db", "STOCK.UDB", "-t",

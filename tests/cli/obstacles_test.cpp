@@ -218,6 +218,95 @@ INSTANTIATE_TEST_SUITE_P(Of, ToolObstacle,
 INSTANTIATE_TEST_SUITE_P(Of, ToolReplacement,
                          testing::ValuesIn(WritingCommands(true)), NameOf);
 
+// Which number the message has.
+class ToolNumber : public ObstacleTest {
+ protected:
+  void FailsWith(char const* number, ToolCall const& call) const {
+    std::string const before = Snapshot();
+    auto const run = RunWith(call);
+    EXPECT_NE(std::string::npos, run.err.find(number)) << run.err;
+    EXPECT_EQ(3, run.exit_code);
+    EXPECT_TRUE(before == Snapshot()) << Names();
+  }
+};
+
+TEST_F(ToolNumber, NoFolderForTemporaryFiles) {
+  std::filesystem::remove(folder_.folder() / "temp");
+  FailsWith("tabwerk: error[TW118]: the folder for temporary files ",
+            CallOf({"show", "stock.db", "STOCK.UDB", "ARTICLE"}));
+}
+
+// In the way of the trial copy.
+TEST_F(ToolNumber, TheDatabaseIsNotSaved) {
+  TempFolder const temp;
+  for (auto const& [trial, words] :
+       std::vector<std::pair<std::string, std::vector<std::string>>>{
+           {"STOCK.UDBT",
+            {"set", "stock.db", "STOCK.UDB", "-t", "ARTICLE", "--id", "20000",
+             "PRICE=7"}},
+           {"b.dbT", {"convert", "stock.db", "-o", "b.db"}},
+           {"stock.dbT", {"build", "stock.script"}}}) {
+    folder_.MakeFolder(trial);
+    folder_.Make(trial + "/file", "");
+    ToolCall call = CallOf(words);
+    // A save that fails leaves there what it has written.
+    for (auto& [name, value] : call.environment) value = temp.PathUtf8("");
+    FailsWith("error[TW119]: ", call);
+    std::filesystem::remove_all(folder_.folder() / trial);
+  }
+}
+
+#ifndef _WIN32
+
+// What was wrong: the copies that had been made stayed.
+TEST_F(ToolNumber, NoRoomForTheBackup) {
+  folder_.Make("stock.db", "small");
+  ToolCall call = CallOf({"add", "stock.db", "STOCK.UDB", "-t", "ARTICLE",
+                          "NAME=Rivet", "--backup"});
+  call.prepare = [] { LimitFileSize(1024); };
+  FailsWith("STOCK.UDB.bak: error[TW131]: the backup cannot be made; ", call);
+}
+
+TEST_F(ToolNumber, NotEnoughMemory) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer itself takes more than can be forbidden";
+#endif
+  std::filesystem::resize_file(folder_.folder() / "rows.csv", 1U << 30);
+  ToolCall call =
+      CallOf({"import", "rows.csv", "stock.db", "STOCK.UDB", "-t", "ARTICLE"});
+  call.prepare = [] {
+    constexpr rlim_t kBytes = 1U << 29;
+    rlimit const limit = {kBytes, kBytes};
+    if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(127);
+  };
+  auto const run = RunWith(call);
+  EXPECT_EQ(0U, run.err.find("tabwerk: error[TW121]: there is not enough "))
+      << run.err;
+  EXPECT_EQ(3, run.exit_code);
+}
+
+// No thread can be made for the line that shows the progress.
+TEST_F(ToolNumber, TheSystemRefusesSomething) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+  ToolCall call = CallOf({"show", "stock.db", "ARTICLE", "-o", "/dev/null"});
+  call.prepare = BecomeNobody;
+  std::filesystem::permissions(folder_.folder(), std::filesystem::perms::all);
+  if (RunWith(call).exit_code != 0) {
+    GTEST_SKIP() << "the tool cannot be reached by nobody";
+  }
+  call.prepare = [] {
+    rlimit const limit = {0, 0};
+    if (setrlimit(RLIMIT_NPROC, &limit) != 0) _exit(127);
+    BecomeNobody();
+  };
+  auto const run = RunToolOnTerminal(folder_.folder(), call, 80);
+  EXPECT_NE(std::string::npos, run.out.find("tabwerk: error[TW122]: "))
+      << run.out;
+  EXPECT_EQ(3, run.exit_code);
+}
+
+#endif
+
 // Of the commands that write files beside the database.
 using ToolCopy = ObstacleTest;
 

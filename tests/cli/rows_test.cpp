@@ -1,4 +1,5 @@
 // add, set, activate, deactivate and move.
+#include <array>
 #include <map>
 #include <sstream>
 
@@ -49,6 +50,24 @@ TEST_F(ToolRows, AddGivesTheNextIdAndTheLastPlace) {
   EXPECT_EQ(0, run.exit_code) << run.err;
   EXPECT_EQ("[20000|3|0|Washer|0.5][20001|4|0|#TS(Pin¬Stift)TS~|0.1]",
             Rows("STOCK.UDB", "ARTICLE"));
+}
+
+TEST_F(ToolRows, RefusesATableWithoutTheColumnsThatItNeeds) {
+  for (auto const& [definition, word, message] :
+       std::vector<std::array<std::string, 3>>{
+           {"integer ID,date DAY\n", "ID=1",
+            "stock.db: error[TW128]: column DAY of table ARTICLE has no type"},
+           {"string NAME\n", "NAME=Bolt",
+            "STOCK.UDB: error[TW627]: table ARTICLE: there is no integer "
+            "column ID"}}) {
+    for (char const* const file : {"stock.db", "STOCK.UDB"}) {
+      MakeDatabase(
+          file, {PlainHeader::kCurrent, 1000, {{"ARTICLE", definition, {}}}});
+    }
+    auto const run = Change("add", {word});
+    EXPECT_EQ(0U, run.err.find(message)) << run.err;
+    EXPECT_NE(0, run.exit_code);
+  }
 }
 
 // An index stayed beside the user file although nothing was changed.
