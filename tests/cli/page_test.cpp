@@ -5,8 +5,8 @@
 // In a block marked "console" a line "$ tabwerk …" is a command with words as a
 // shell takes them apart (quotes, no variables, no pipes); the lines below are
 // standard output, then standard error, then "(exit code N)" where that is not
-// 0.  Dates and times may be any.  The page is written anew as the files of
-// expected.h are.
+// 0.  A line "$ echo TEXT >> FILE" adds that line to the file.  Dates and times
+// may be any.  The page is written anew as the files of expected.h are.
 #include <fstream>
 #include <iterator>
 
@@ -19,6 +19,7 @@ namespace {
 
 constexpr char kPage[] = "docs/tool.md";
 constexpr char kPrompt[] = "$ tabwerk";
+constexpr char kEcho[] = "$ echo ";
 
 std::vector<std::string> WordsOf(std::string const& line) {
   std::vector<std::string> words;
@@ -51,6 +52,13 @@ class ToolPage : public ToolTest {
              ProjectPath("examples/reference"))) {
       std::filesystem::copy(entry, folder_.folder());
     }
+    folder_.Make("unknown.script",
+                 "NEWDATABASE unknown unknown.db\nNEWTABLE CURRENCY\n"
+                 "ID integer\nFOLGE integer\nSTATUS integer\nCODE string\n"
+                 "NAME string\nDIGITS integer\nENDDEF\n"
+                 "TABLEDATA CURRENCY currency.dat\n");
+    EXPECT_EQ(0, Run({"build", "unknown.script"}).exit_code);
+    std::filesystem::remove(folder_.folder() / "unknown.script");
   }
 
   std::string Answer(std::string const& command) {
@@ -63,6 +71,13 @@ class ToolPage : public ToolTest {
     return WithoutTimes(text);
   }
 
+  void AddLine(std::string const& echo) const {
+    auto const words = WordsOf(echo);
+    ASSERT_EQ(4U, words.size()) << echo;
+    std::ofstream(folder_.folder() / words[3], std::ios::app)
+        << words[1] << "\n";
+  }
+
   // The page with what the commands print now.
   std::string PageAsItIs() {
     std::ifstream file(ProjectPath(kPage), std::ios::binary);
@@ -72,6 +87,11 @@ class ToolPage : public ToolTest {
       if (line.ends_with('\r')) line.pop_back();
       if (in_block && line.starts_with(kPrompt)) {
         page += line + "\n" + Answer(line.substr(sizeof kPrompt - 1));
+        continue;
+      }
+      if (in_block && line.starts_with(kEcho)) {
+        AddLine(line.substr(2));
+        page += line + "\n";
         continue;
       }
       if (in_block && line != "```") continue;
