@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using enum Severity;
-constexpr std::size_t kNumber = sizeof(std::int32_t);
+constexpr std::size_t kValueBytes = sizeof(std::int32_t);
 
 // An index that does not fit counts as missing.
 constexpr char kLost[] =
@@ -90,7 +90,7 @@ class IndexCheck {
     return Load<std::int32_t>(PlaceOf(section, k));
   }
   static std::size_t PlaceOf(Section const& section, std::int64_t k) {
-    return section.first + static_cast<std::size_t>(k) * kNumber;
+    return section.first + static_cast<std::size_t>(k) * kValueBytes;
   }
 
   // Whether they are those of the files; nothing when the index is too short.
@@ -111,7 +111,7 @@ class IndexCheck {
   std::optional<Section> ReadSection(std::string_view tag, std::int64_t numbers,
                                      std::string const& table) {
     std::size_t const start = at_;
-    if (bytes_.size() - at_ < tag.size() + kNumber) {
+    if (bytes_.size() - at_ < tag.size() + kValueBytes) {
       Unusable(TW(431), bytes_.size(), table,
                fmt::format("the index ends before its {} section", tag));
       return std::nullopt;
@@ -124,10 +124,10 @@ class IndexCheck {
       return std::nullopt;
     }
     at_ += tag.size();
-    Section section{at_, at_ + kNumber, Load<std::int32_t>(at_)};
-    at_ += kNumber;
+    Section section{at_, at_ + kValueBytes, Load<std::int32_t>(at_)};
+    at_ += kValueBytes;
     std::int64_t const size =
-        section.count * numbers * static_cast<std::int64_t>(kNumber);
+        section.count * numbers * static_cast<std::int64_t>(kValueBytes);
     if (section.count < 0 || size > Remaining()) {
       Unusable(TW(433), section.count_at, table,
                fmt::format("the {} section cannot have {} entries", tag,

@@ -10,11 +10,8 @@
 #else
 #include <unistd.h>
 #endif
-#ifdef __has_feature
-#if __has_feature(address_sanitizer)
+#ifdef TABWERK_SANITIZED
 #include <sanitizer/common_interface_defs.h>
-#define TABWERK_SANITIZER_REPORTS
-#endif
 #endif
 
 namespace tabwerk::fuzz {
@@ -65,7 +62,7 @@ StandardStreams::StandardStreams(std::filesystem::path const& input,
     Close(file);
   }
   std::rewind(stdin);
-#ifdef TABWERK_SANITIZER_REPORTS
+#ifdef TABWERK_SANITIZED
   __sanitizer_set_report_fd(
       reinterpret_cast<void*>(static_cast<std::intptr_t>(before_[2])));
 #endif
@@ -73,7 +70,7 @@ StandardStreams::StandardStreams(std::filesystem::path const& input,
 
 StandardStreams::~StandardStreams() {
   ForgetBuffers();
-#ifdef TABWERK_SANITIZER_REPORTS
+#ifdef TABWERK_SANITIZED
   __sanitizer_set_report_fd(reinterpret_cast<void*>(std::intptr_t{2}));
 #endif
   for (int i = 0; i < 3; ++i) {

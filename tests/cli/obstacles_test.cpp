@@ -268,7 +268,7 @@ TEST_F(ToolNumber, NoRoomForTheBackup) {
 }
 
 TEST_F(ToolNumber, NotEnoughMemory) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TABWERK_SANITIZED
   GTEST_SKIP() << "the sanitizer itself takes more than can be forbidden";
 #endif
   std::filesystem::resize_file(folder_.folder() / "rows.csv", 1U << 30);

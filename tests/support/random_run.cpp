@@ -5,14 +5,8 @@
 namespace tabwerk::test {
 namespace {
 
-#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__)
+#if defined(_WIN32) || defined(TABWERK_SANITIZED)
 constexpr bool kSlow = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool kSlow = true;
-#else
-constexpr bool kSlow = false;
-#endif
 #else
 constexpr bool kSlow = false;
 #endif

@@ -13,15 +13,7 @@
 
 #include "tests/support/processor_time.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-#define TABWERK_TEST_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TABWERK_TEST_SANITIZED
-#endif
-#endif
-
-#ifdef TABWERK_TEST_SANITIZED
+#ifdef TABWERK_SANITIZED
 #include <sanitizer/common_interface_defs.h>
 #endif
 
@@ -72,7 +64,7 @@ std::string Short(double number) {
 }  // namespace
 
 double CaseSeconds() {
-#ifdef TABWERK_TEST_SANITIZED
+#ifdef TABWERK_SANITIZED
   return 10;
 #else
   // Set by scripts that run tests under valgrind.
@@ -86,7 +78,7 @@ CaseWatch::CaseWatch() {
   for (int const signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL}) {
     std::signal(signal, OnSignal);
   }
-#ifdef TABWERK_TEST_SANITIZED
+#ifdef TABWERK_SANITIZED
   __sanitizer_set_death_callback(TellCase);
 #endif
   watching = true;
@@ -101,7 +93,7 @@ CaseWatch::~CaseWatch() {
   for (int const signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL}) {
     std::signal(signal, SIG_DFL);
   }
-#ifdef TABWERK_TEST_SANITIZED
+#ifdef TABWERK_SANITIZED
   __sanitizer_set_death_callback(nullptr);
 #endif
 }

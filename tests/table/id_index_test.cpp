@@ -115,6 +115,18 @@ TEST(IdIndex, RowsOfAnyNumberArePresent) {
   }
 }
 
+TEST(IdIndex, FreeIdFollowsAnArrayWithoutGaps) {
+  for (std::int32_t const first : {20'000, kLargest - 3, kLargest - 2}) {
+    IdIndex index;
+    index.Reserve(3, first, first + 2);
+    for (std::int32_t i = 0; i < 3; ++i) index.Set(first + i, i);
+    auto const behind = first + 2 == kLargest
+                            ? std::nullopt
+                            : std::optional<std::int32_t>(first + 3);
+    EXPECT_EQ(behind, index.LowestFreeId(first)) << first;
+  }
+}
+
 TEST(IdIndex, SmallestAndLargestIdAreIdsLikeOthers) {
   IdIndex index;
   index.Set(kSmallest, 1);
