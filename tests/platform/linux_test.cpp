@@ -156,16 +156,21 @@ std::string RandomDecimal(std::mt19937* random) {
   return text + "e" + std::to_string(exponent);
 }
 
-TEST(LinuxNumbers, RandomOnesAgreeWithTheSystemsOwn) {
-  JudgeRandomly(20'000, kTexts, [](std::uint32_t seed) {
+// Judges texts that make_text makes.
+void AgreeWithTheSystemsOwn(std::string (*make_text)(std::mt19937* random)) {
+  JudgeRandomly(20'000, kTexts, [make_text](std::uint32_t seed) {
     std::mt19937 random(seed);
     for (int i = 0; i < kTexts; ++i) {
-      std::string const text = RandomDecimal(&random);
+      std::string const text = make_text(&random);
       ASSERT_EQ(std::strtod(text.c_str(), nullptr),
                 platform::ParseReal(zWString::fromLatin1(text).view()))
           << text;
     }
   });
+}
+
+TEST(LinuxNumbers, RandomOnesAgreeWithTheSystemsOwn) {
+  AgreeWithTheSystemsOwn(&RandomDecimal);
 }
 
 // A random hexadecimal text around the interesting lengths and exponents.
@@ -184,15 +189,7 @@ std::string RandomHexadecimal(std::mt19937* random) {
 }
 
 TEST(LinuxNumbers, RandomHexadecimalOnesAgreeWithTheSystemsOwn) {
-  JudgeRandomly(20'000, kTexts, [](std::uint32_t seed) {
-    std::mt19937 random(seed);
-    for (int i = 0; i < kTexts; ++i) {
-      std::string const text = RandomHexadecimal(&random);
-      ASSERT_EQ(std::strtod(text.c_str(), nullptr),
-                platform::ParseReal(zWString::fromLatin1(text).view()))
-          << text;
-    }
-  });
+  AgreeWithTheSystemsOwn(&RandomHexadecimal);
 }
 
 }  // namespace
