@@ -58,8 +58,7 @@ std::map<std::string, model::FileImage> const& Disk() {
 }
 
 std::string Encoded(PlainIndex const& index) {
-  auto const bytes = EncodeIndex(index);
-  return {bytes.begin(), bytes.end()};
+  return tabwerk::test::AsText(EncodeIndex(index));
 }
 
 // Nothing for bytes that are no index: also for negative counts, which the
@@ -73,8 +72,8 @@ std::optional<PlainIndex> Decoded(std::string const& bytes) {
 // Once: no input changes them.
 bool WriteDatabaseFiles() {
   for (auto const& [name, image] : Disk()) {
-    auto const bytes = EncodeDatabase(model::ToPlain(image));
-    PrivateFolder::Get().Write(name, std::string(bytes.begin(), bytes.end()));
+    PrivateFolder::Get().Write(
+        name, tabwerk::test::AsText(EncodeDatabase(model::ToPlain(image))));
   }
   return true;
 }

@@ -29,7 +29,7 @@ class ManagerWrite : public DatabaseTest {
   }
 };
 
-constexpr char kAll[] = "[1|1|0|Anna][2|2|0|Bert][20000|3|0|Carl]";
+constexpr char kAllBefore[] = "[1|1|0|Anna][2|2|0|Bert][20000|3|0|Carl]";
 
 TEST_F(ManagerWrite, UserRowsAreThereAfterwards) {
   AddArticle(Table("ARTIKEL"), 20001, 4, "Dora");
@@ -137,7 +137,7 @@ TEST_F(ManagerWrite, ToAnotherPathWritesTheFirstFilesData) {
   EXPECT_TRUE(Manager()->Write(W("STOCK"), true, W(Path("OTHER.db"))));
   EXPECT_EQ("[1|1|0|Anja][2|2|0|Bert]", InFile("OTHER.db"));
   EXPECT_EQ("[1|1|0|Anna][2|2|0|Bert]", InFile("MAIN.db"));
-  EXPECT_EQ(kAll, Rows("ARTIKEL"));
+  EXPECT_EQ(kAllBefore, Rows("ARTIKEL"));
 }
 
 // The index describes the rows of the files, which did not change.
@@ -152,7 +152,7 @@ TEST_F(ManagerWrite, ToAnotherPathKeepsTheIndexOfTheFilesRows) {
 TEST_F(ManagerWrite, DropsWhatIsUnsavedInTheOtherFile) {
   EXPECT_TRUE(SetText(Table("ARTIKEL"), 0, "NAME", "Anja"));
   EXPECT_TRUE(WriteUserFile());
-  EXPECT_EQ(kAll, Rows("ARTIKEL"));
+  EXPECT_EQ(kAllBefore, Rows("ARTIKEL"));
 }
 
 TEST_F(ManagerWrite, ReadOnlyTargetIsReplacedAndWritableAfterwards) {

@@ -11,10 +11,6 @@
 namespace tabwerk::test {
 namespace {
 
-std::string AsText(std::vector<unsigned char> const& bytes) {
-  return {bytes.begin(), bytes.end()};
-}
-
 // A line of the findings, which are tab-separated.
 std::string Describe(std::string const& line) {
   std::istringstream cells(line);

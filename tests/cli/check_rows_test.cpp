@@ -9,13 +9,13 @@ using CheckIdRules = CheckTest;
 using CheckOrderRules = CheckTest;
 using CheckIndexRules = CheckTest;
 
-constexpr char kDefinition[] =
+constexpr char kCheckedRows[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME\n";
 
 using Rows = std::vector<std::string>;
 
 std::vector<PlainTable> Table(Rows const& rows) {
-  return {{"T", kDefinition, rows}};
+  return {{"T", kCheckedRows, rows}};
 }
 
 Rows const kSound = {"1|1|0|Anna", "2|2|0|Bert", "3|3|0|Cleo"};
@@ -217,7 +217,7 @@ TEST_F(CheckIndexOf, FindsTablesThatDoNotBelongTogether) {
   MakeUser({{"T", "integer ID,real FOLGE\n", {}}});
   EXPECT_EQ("E349@24 T", CheckFiles());
   EXPECT_EQ(1, ExitCode());
-  MakeUser({{"T", kDefinition, {}}, {"MORE", "integer X\n", {}}});
+  MakeUser({{"T", kCheckedRows, {}}, {"MORE", "integer X\n", {}}});
   EXPECT_EQ("N350", CheckFiles().substr(0, 4));
   EXPECT_EQ(0, ExitCode());
 }

@@ -10,14 +10,13 @@ using CheckListRules = CheckTest;
 using CheckBlockRules = CheckTest;
 using CheckTextRules = CheckTest;
 
-constexpr char kDefinition[] = "integer ID,string NAME\n";
-std::string const kNul(1, '\0');
+constexpr char kIdAndName[] = "integer ID,string NAME\n";
 
 // Two rows: the record of T begins at byte 19, its numbers at 48, the data
 // area at 76.
 std::string TwoRows() {
   return CurrentHeader(1000) +
-         Record({"T", kDefinition, 2, 16, 20, 0, 10, "anf", "end"}) + kNul +
+         Record({"T", kIdAndName, 2, 16, 20, 0, 10, "anf", "end"}) + kNul +
          Utf16("Anna^Bert^") + Le32(1) + Le32(0) + Le32(2) + Le32(5);
 }
 
@@ -212,7 +211,7 @@ TEST_F(CheckTextRules, NoteSharedTexts) {
 std::string LongText(std::size_t units) {
   auto const size = static_cast<std::int32_t>(units) + 1;
   return CurrentHeader(1) +
-         Record({"T", kDefinition, 1, 8, 2 * size, 0, size, "anf", "end"}) +
+         Record({"T", kIdAndName, 1, 8, 2 * size, 0, size, "anf", "end"}) +
          kNul + Utf16(std::string(units, 'x') + "^") + Le32(1) + Le32(0);
 }
 
@@ -228,7 +227,7 @@ TEST_F(CheckTextRules, FindTextsThatCannotBeSaved) {
 
 TEST_F(CheckTextRules, FindMarkersThatDoNotFit) {
   auto const check = [this](std::string const& text) {
-    return Codes(File({{"T", kDefinition, {"1|" + text}}}));
+    return Codes(File({{"T", kIdAndName, {"1|" + text}}}));
   };
   EXPECT_EQ("", check("#TS(a¬b)TS~ - #TS(c¬d)TS~"));
   EXPECT_EQ("", check("#TS()TS~"));
@@ -245,7 +244,7 @@ TEST_F(CheckTextRules, FindMarkersThatDoNotFit) {
 // The place is that of the marker: unit 4 of the string block at byte 76.
 TEST_F(CheckTextRules, TellWhereAMarkerStands) {
   EXPECT_EQ("W510@84 T row 0 id 1 NAME",
-            Check(File({{"T", kDefinition, {"1|abc #TS(d"}}})));
+            Check(File({{"T", kIdAndName, {"1|abc #TS(d"}}})));
 }
 
 }  // namespace

@@ -5,11 +5,11 @@
 
 #include "DBDirectory.h"
 #include "DBbase.h"
-#include "base/translation.h"
 #include "cli/file_image.h"
 #include "cli/text_markers.h"
 #include "tests/cli/check_fixture.h"
 #include "tests/cli/expected.h"
+#include "tests/cli/translation.h"
 #include "tests/support/hex_file.h"
 #include "tests/support/places.h"
 
@@ -348,13 +348,6 @@ TEST_F(CheckFlips, AnyIndexIsJudgedAsTheLibraryDoes) {
 }
 
 // --- Markers -----------------------------------------------------------------
-
-std::u16string Translated(std::u16string text, int language) {
-  DBbase::SetSprache(static_cast<short>(language));
-  TranslateText(text);
-  DBbase::SetSprache(0);
-  return text;
-}
 
 // A text with sound markers is, in each language that all its sections have,
 // what stands between them with their pieces.

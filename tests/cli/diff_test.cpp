@@ -11,7 +11,7 @@
 namespace tabwerk::test {
 namespace {
 
-constexpr char kDefinition[] =
+constexpr char kComparedRows[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME,real PRICE\n";
 
 class ToolDiff : public ToolTest {
@@ -25,7 +25,7 @@ class ToolDiff : public ToolTest {
   void MakePair() const {
     Make("a.db",
          {{"ARTICLE",
-           kDefinition,
+           kComparedRows,
            {"1|1|0|#TS(Bolt¬Bolzen¬ボルト)TS~|0.25", "2|2|0|Nut|1.5",
             "3|3|0|Pin|2", "3|4|0|Second pin|3"}},
           {"OLD", "integer X\n", {"1", "2"}},
@@ -36,7 +36,7 @@ class ToolDiff : public ToolTest {
           {"SAME", "integer X\n", {"1", "2"}},
           {"NEW", "string Y\n", {"z"}},
           {"ARTICLE",
-           kDefinition,
+           kComparedRows,
            {"4|2|0|a, b\t\"c\"|0.1", "3|3|0|Pin|2",
             "1|1|1|#TS(Bolt¬Schraube¬ボルト¬بُرغي)TS~|0.25",
             "3|4|0|Third pin|3"}}});
@@ -212,10 +212,10 @@ TEST_F(ToolDiff, FindsTheOneDifferenceInManyRows) {
     std::string const n = std::to_string(i);
     rows.push_back(n + "|" + n + "|0|#TS(Part " + n + "¬Teil " + n + ")TS~|1");
   }
-  Make("a.db", {{"T", kDefinition, rows}});
+  Make("a.db", {{"T", kComparedRows, rows}});
   rows[70000] = "70001|70001|0|#TS(Part 70001¬Stück)TS~|1";
   std::reverse(rows.begin(), rows.end());
-  Make("b.db", {{"T", kDefinition, rows}});
+  Make("b.db", {{"T", kComparedRows, rows}});
   EXPECT_EQ(
       "--- a.db\n+++ b.db\n\ntable T\n"
       "~ ID 70001: NAME, language 1: \"Teil 70001\" -> \"Stück\"\n"

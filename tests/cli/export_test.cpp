@@ -7,7 +7,7 @@
 namespace tabwerk::test {
 namespace {
 
-constexpr char kDefinition[] =
+constexpr char kExportedRows[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME,real PRICE,string "
     "NOTE\n";
 
@@ -39,7 +39,7 @@ class ToolExport : public ToolTest {
 
   // The round trip of a table with those rows.
   std::string OfRows(std::vector<std::string> const& rows,
-                     char const* definition = kDefinition) const {
+                     char const* definition = kExportedRows) const {
     MakeDatabase("stock.db",
                  {PlainHeader::kCurrent, 1000, {{"T", definition, rows}}});
     return RoundTrip("stock.db", "stock.script");
@@ -107,7 +107,7 @@ TEST_F(ToolExport, RefusesWithThePlace) {
                {PlainHeader::kCurrent,
                 1000,
                 {{"T",
-                  kDefinition,
+                  kExportedRows,
                   {"7|0|0|fine|0|", "8|0|0|\"Bolt\"|0|", "9|0|0|two\nlines|0|",
                    "10|0|0|#TS(open|0|", "11|0|0||0|" + long_text,
                    "12|0|0|,\"#TS(\",|0|"}}}});

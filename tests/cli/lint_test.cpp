@@ -19,15 +19,16 @@ struct Rule {
   bool is_raw = false;  // data are bytes, not text to be made UTF-16LE
 };
 
-constexpr char kBegin[] = "NEWDATABASE S s.db\n";
+constexpr char kBeginOfScript[] = "NEWDATABASE S s.db\n";
 
 // With columns for the data.
 std::string Reading(std::string const& columns) {
-  return kBegin + ("NEWTABLE T\n" + columns) + "ENDDEF\nTABLEDATA T data.txt\n";
+  return kBeginOfScript + ("NEWTABLE T\n" + columns) +
+         "ENDDEF\nTABLEDATA T data.txt\n";
 }
 
 std::string Defining(std::string const& lines) {
-  return kBegin + ("NEWTABLE T\n" + lines) + "ENDDEF\n";
+  return kBeginOfScript + ("NEWTABLE T\n" + lines) + "ENDDEF\n";
 }
 
 std::string Empty() { return Defining("A integer\n"); }
@@ -46,18 +47,18 @@ std::vector<Rule> StatementRules() {
   return {
       {201, "NEWDATABASE S\n"},
       {202, "NEWTABLE T\nA integer\nENDDEF\n"},
-      {203, kBegin + std::string("NEWTABLE\nA integer\nENDDEF\n")},
-      {204,
-       kBegin + ("NEWTABLE " + std::string(64, 'T')) + "\nA integer\nENDDEF\n"},
+      {203, kBeginOfScript + std::string("NEWTABLE\nA integer\nENDDEF\n")},
+      {204, kBeginOfScript + ("NEWTABLE " + std::string(64, 'T')) +
+                "\nA integer\nENDDEF\n"},
       {205, Empty() + "NEWTABLE T\nA integer\nENDDEF\n"},
-      {206, kBegin + std::string("NEWTABLE T\nA integer\n")},
+      {206, kBeginOfScript + std::string("NEWTABLE T\nA integer\n")},
       {207, Defining("A integer\nB\n")},
       {208, Defining("A integer\n\n")},
       {209, Defining(columns)},
       {210, Empty() + "TABLEDATA T\n"},
       {211, Empty() + "TABLEDATA T " + std::string(260, 'x') + "\n"},
-      {212, kBegin + std::string("TABLEDATA T data.txt\n"
-                                 "NEWTABLE T\nA integer\nENDDEF\n")},
+      {212, kBeginOfScript + std::string("TABLEDATA T data.txt\n"
+                                         "NEWTABLE T\nA integer\nENDDEF\n")},
       {213, Empty() + "TABLEDATA T none.txt\n"},
       {214, Empty() + "TABLEDATA T folder\n"},
       {215, "# nothing\n"},
@@ -69,8 +70,9 @@ std::vector<Rule> StatementRules() {
       {222, "NEWDATABASE .S s.db\nNEWTABLE T\nA integer\nENDDEF\n"},
       {223, Empty() + Empty()},
       {224, Empty() + "TABLEDATA U data.txt\n"},
-      {225, kBegin + std::string("NEWTABLE VERSION\nVERSION string\nENDDEF\n"
-                                 "TABLEDATA VERSION data.txt\n")},
+      {225,
+       kBeginOfScript + std::string("NEWTABLE VERSION\nVERSION string\nENDDEF\n"
+                                    "TABLEDATA VERSION data.txt\n")},
       {226, Defining(std::string(64, 'N') + " integer\n")},
       {227, Defining(longs)},
       {228, Defining("A,B integer\n")},
@@ -83,9 +85,9 @@ std::vector<Rule> StatementRules() {
       {235, Empty() + std::string("# a\0b\n", 6)},
       {236, Empty() + "\x1A behind\n"},
       {237, "\xEF\xBB\xBF# names\n" + Empty()},
-      {238, kBegin + std::string("NEWTABLE T;\nA integer\nENDDEF\n")},
+      {238, kBeginOfScript + std::string("NEWTABLE T;\nA integer\nENDDEF\n")},
       {239, Defining("GRÖSSE integer\n")},
-      {240, kBegin},
+      {240, kBeginOfScript},
       {241, Defining("")},
       {242, Defining("A integer\nTABLEDATA integer\n")},
       {243, Defining("Id integer\n")},

@@ -17,13 +17,13 @@ class ToolStats : public ToolTest {
   }
 };
 
-constexpr char kDefinition[] = "integer ID,string A,string B\n";
+constexpr char kIdAndTexts[] = "integer ID,string A,string B\n";
 
 TEST_F(ToolStats, CountsRowsAndTexts) {
   MakeDatabase("a.db",
                {PlainHeader::kCurrent,
                 1000,
-                {{"T", kDefinition, {"1|abc|de", "2|abc|", "3|längster|de"}},
+                {{"T", kIdAndTexts, {"1|abc|de", "2|abc|", "3|längster|de"}},
                  {"U", "integer ID\n", {"1"}}}});
   Json const rows = Stats({"a.db"});
   ASSERT_EQ(2U, rows.Size());

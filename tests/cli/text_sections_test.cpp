@@ -8,7 +8,7 @@
 #include <random>
 #include <string>
 
-#include "DBbase.h"
+#include "tests/cli/translation.h"
 #include "ztypes.h"
 
 namespace tabwerk::test {
@@ -18,14 +18,6 @@ using tool::SectionState;
 using tool::TextSections;
 
 constexpr std::size_t kLanguages = 5;
-
-std::u16string Translated(std::u16string const& text, std::size_t language) {
-  DBbase::SetSprache(static_cast<short>(language));
-  zWString translated(text);
-  DBbase::DBTranslate(translated);
-  DBbase::SetSprache(0);
-  return std::u16string(translated.view());
-}
 
 std::string States(std::u16string const& text, std::size_t language) {
   TextSections sections;
@@ -132,8 +124,9 @@ TEST(TextSections, SaysWhatTheTranslationDoes) {
     for (std::size_t language = 0; language < kLanguages; ++language) {
       std::u16string translated;
       std::string expected = PlainStates(text, language, &translated);
-      ASSERT_EQ(zWString(translated).toUtf8(),
-                zWString(Translated(text, language)).toUtf8());
+      ASSERT_EQ(
+          zWString(translated).toUtf8(),
+          zWString(Translated(text, static_cast<int>(language))).toUtf8());
       if (!expected.empty()) expected.pop_back();
       std::string const found = States(text, language);
       ASSERT_EQ(expected, found) << zWString(text).toUtf8() << language;

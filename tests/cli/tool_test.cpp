@@ -13,10 +13,6 @@ constexpr char kArticle[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME,real PRICE\n";
 constexpr char kEmpty[] = "integer ID,string NAME\n";
 
-std::string AsText(std::vector<unsigned char> const& bytes) {
-  return {bytes.begin(), bytes.end()};
-}
-
 using Files = std::vector<std::pair<std::string, std::string>>;
 
 // The files of the example database, built once in this process.

@@ -6,17 +6,11 @@
 
 #include <random>
 
-#include "DBbase.h"
+#include "tests/cli/translation.h"
+#include "ztypes.h"
 
 namespace tabwerk::test {
 namespace {
-
-std::u16string Translated(std::u16string const& text, int language) {
-  DBbase::SetSprache(static_cast<short>(language));
-  zWString result{std::u16string_view(text)};
-  DBbase::DBTranslate(result);
-  return std::u16string(result.view());
-}
 
 TEST(TranslatedText, CountsPieces) {
   EXPECT_EQ(0, tool::LanguageCount(u""));
@@ -44,7 +38,6 @@ TEST(TranslatedText, CountsTheLanguagesThatTheLibraryTranslates) {
     }
     EXPECT_EQ(text, Translated(text, tool::kAsStored));
   }
-  DBbase::SetSprache(0);
 }
 
 // In its last language a text of several sections still changes; behind it, it
@@ -63,7 +56,6 @@ TEST(TranslatedText, CountsTheSectionWithMostPieces) {
     }
     EXPECT_EQ(text, Translated(text, tool::kAsStored));
   }
-  DBbase::SetSprache(0);
 }
 
 }  // namespace

@@ -25,9 +25,9 @@ namespace platform = tabwerk::platform;
 using tabwerk::test::Outcome;
 using tabwerk::test::Random;
 
-constexpr int kOperations = 40000;
-constexpr int kOperationsPerSequence = 250;
-constexpr int kOperationsPerFullState = 25;
+constexpr int kTableOperations = 40000;
+constexpr int kOperationsPerTable = 250;
+constexpr int kOperationsPerTableState = 25;
 
 class ModelTable : public testing::Test {
  protected:
@@ -73,7 +73,7 @@ class ModelTable : public testing::Test {
       if (!Agree(outcome, log) || !Agree(judge.VisibleState(), log)) {
         return false;
       }
-      if (i % kOperationsPerFullState != 0 && i != operations) continue;
+      if (i % kOperationsPerTableState != 0 && i != operations) continue;
       for (auto& each : sequence.judges) {
         if (!Agree(each.FullState(), log)) return false;
       }
@@ -88,9 +88,9 @@ class ModelTable : public testing::Test {
 TEST_F(ModelTable, AgreesWithTheLibraryOnRandomOperations) {
   ASSERT_NE(nullptr, stream_);
   auto seed = tabwerk::test::FirstSeed();
-  int left = tabwerk::test::OperationCount(kOperations);
-  for (; left > 0; left -= kOperationsPerSequence, ++seed) {
-    if (!RunSequence(seed, std::min(left, kOperationsPerSequence))) return;
+  int left = tabwerk::test::OperationCount(kTableOperations);
+  for (; left > 0; left -= kOperationsPerTable, ++seed) {
+    if (!RunSequence(seed, std::min(left, kOperationsPerTable))) return;
   }
 }
 

@@ -40,15 +40,13 @@ class ContainerRead : public testing::Test {
   DBDirectory directory_;
 };
 
-constexpr char kArtikel[] =
+constexpr char kArtikelLayout[] =
     "ID:2@0 FOLGE:2@4 STATUS:2@8 NAME:3@12 PREIS:1@16 size 24";
-
-std::string const kNul(1, '\0');
 
 TEST_F(ContainerRead, HeaderlessFileCountsTextsInBytes) {
   ASSERT_TRUE(Open(HexFile("headerless_2014")));
   EXPECT_EQ("ARTIKEL:1", Tables(directory_));
-  EXPECT_EQ(kArtikel, Layout());
+  EXPECT_EQ(kArtikelLayout, Layout());
   EXPECT_EQ("rows 2 in 48@121 texts 18@103", Numbers(directory_, "ARTIKEL"));
   EXPECT_EQ(2, directory_.GetCharFactor());
   EXPECT_EQ((std::vector<long long>{0}), directory_.GetTimeStamps());
@@ -56,7 +54,7 @@ TEST_F(ContainerRead, HeaderlessFileCountsTextsInBytes) {
 
 TEST_F(ContainerRead, VersionBelow2017HasNoTimeStamp) {
   ASSERT_TRUE(Open(HexFile("version_2016")));
-  EXPECT_EQ(kArtikel, Layout());
+  EXPECT_EQ(kArtikelLayout, Layout());
   EXPECT_EQ("rows 2 in 48@128 texts 9@110", Numbers(directory_, "ARTIKEL"));
   EXPECT_EQ(1, directory_.GetCharFactor());
   EXPECT_EQ((std::vector<long long>{0}), directory_.GetTimeStamps());
@@ -64,7 +62,7 @@ TEST_F(ContainerRead, VersionBelow2017HasNoTimeStamp) {
 
 TEST_F(ContainerRead, LaterVersionMayHaveNoTimeStamp) {
   ASSERT_TRUE(Open(HexFile("version_2018")));
-  EXPECT_EQ(kArtikel, Layout());
+  EXPECT_EQ(kArtikelLayout, Layout());
   EXPECT_EQ("rows 2 in 48@128 texts 9@110", Numbers(directory_, "ARTIKEL"));
   EXPECT_EQ(1, directory_.GetCharFactor());
   EXPECT_EQ((std::vector<long long>{0}), directory_.GetTimeStamps());
@@ -72,7 +70,7 @@ TEST_F(ContainerRead, LaterVersionMayHaveNoTimeStamp) {
 
 TEST_F(ContainerRead, CurrentVersionHasATimeStamp) {
   ASSERT_TRUE(Open(HexFile("current_2025")));
-  EXPECT_EQ(kArtikel, Layout());
+  EXPECT_EQ(kArtikelLayout, Layout());
   EXPECT_EQ("rows 2 in 48@140 texts 9@122", Numbers(directory_, "ARTIKEL"));
   EXPECT_EQ(1, directory_.GetCharFactor());
   EXPECT_EQ((std::vector<long long>{1700000000}), directory_.GetTimeStamps());

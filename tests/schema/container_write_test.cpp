@@ -70,8 +70,6 @@ class ContainerWrite : public testing::Test {
   DBDirectory directory_;
 };
 
-std::string const kNul(1, '\0');
-
 TEST_F(ContainerWrite, DirectoryIsThatOfTheGoldenFile) {
   AddArtikel();
   EXPECT_EQ(1, Write());

@@ -30,9 +30,15 @@ std::string Utf16(std::string_view text) {
   return bytes;
 }
 
+std::string Section(std::string_view tag,
+                    std::vector<std::int32_t> const& numbers) {
+  std::string bytes(tag);
+  for (std::int32_t const number : numbers) bytes += Le32(number);
+  return bytes;
+}
+
 std::string Record(RecordBytes const& record) {
-  std::string const nul(1, '\0');
-  return record.start + record.name + nul + record.definition + nul +
+  return record.start + record.name + kNul + record.definition + kNul +
          Le32(record.row_count) + Le32(0) + Le32(record.row_size) +
          Le32(record.row_offset) + Le32(record.string_offset) +
          Le32(record.string_size) + record.end;

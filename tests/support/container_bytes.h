@@ -1,4 +1,4 @@
-// Database files as bytes, put together without the library.
+// Database and index files as bytes, put together without the library.
 #ifndef TABWERK_TESTS_SUPPORT_CONTAINER_BYTES_H
 #define TABWERK_TESTS_SUPPORT_CONTAINER_BYTES_H
 
@@ -14,6 +14,9 @@ std::string Le32(std::int32_t value);
 std::string Le64(std::int64_t value);
 // 16-bit units of an ASCII text; "^" is a NUL.
 std::string Utf16(std::string_view text);
+// A section of an index file: its tag and the numbers behind it.
+std::string Section(std::string_view tag,
+                    std::vector<std::int32_t> const& numbers);
 
 // A directory record.  What is not set fits the other members.
 struct RecordBytes {
@@ -28,6 +31,8 @@ struct RecordBytes {
   std::string end = "end";
 };
 std::string Record(RecordBytes const& record);
+// Ends the directory.
+inline std::string const kNul(1, '\0');
 
 // The header of the current format.
 std::string CurrentHeader(std::int64_t time_stamp);

@@ -21,9 +21,9 @@ enum class Fate : std::uint8_t {
 constexpr Fate kFates[] = {Fate::kKept, Fate::kDropped, Fate::kZeroed,
                            Fate::kHalved, Fate::kSecondHalf};
 
-using Bytes = std::vector<unsigned char>;
+using Content = std::vector<unsigned char>;
 
-void WriteAt(Bytes* content, DiskStep const& step) {
+void WriteAt(Content* content, DiskStep const& step) {
   auto const offset = static_cast<std::size_t>(step.offset);
   content->resize(std::max(content->size(), offset + step.bytes.size()));
   std::copy(step.bytes.begin(), step.bytes.end(),
@@ -31,10 +31,10 @@ void WriteAt(Bytes* content, DiskStep const& step) {
 }
 
 struct File {
-  Bytes synced;
+  Content synced;
   std::vector<DiskStep> unsynced;  // kWrite, kTruncate
 
-  Bytes Current() const {
+  Content Current() const {
     auto content = synced;
     for (auto const& step : unsynced) {
       if (step.kind == Kind::kTruncate) {
@@ -47,7 +47,7 @@ struct File {
   }
 
   // The current content where byte i is kept only for first <= i < end.
-  Bytes Zeroed(std::size_t first, std::size_t end) const {
+  Content Zeroed(std::size_t first, std::size_t end) const {
     auto content = Current();
     for (std::size_t i = 0; i < content.size(); ++i) {
       bool const was_there = i < synced.size() && synced[i] == content[i];
@@ -56,7 +56,7 @@ struct File {
     return content;
   }
 
-  Bytes After(Fate fate) const {
+  Content After(Fate fate) const {
     auto const current = Current();
     auto const middle =
         (std::min(synced.size(), current.size()) + current.size()) / 2;
@@ -177,7 +177,7 @@ void Disk::AddContents(Names const& names, std::size_t step_count,
   std::vector<FolderImage> images(1);
   for (auto const& [name, number] : names) {
     auto const& file = files_[number];
-    std::set<Bytes> contents;
+    std::set<Content> contents;
     for (auto const fate : kFates) contents.insert(file.After(fate));
     std::vector<FolderImage> longer;
     for (auto const& image : images) {

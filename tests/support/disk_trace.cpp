@@ -9,14 +9,14 @@
 namespace tabwerk::test {
 namespace {
 
-struct State {
+struct Recording {
   bool active = false;
   std::vector<DiskStep> steps;
   std::map<FILE*, std::string> paths;  // of open streams
 };
 
-State& TheState() {
-  static State state;
+Recording& Recorded() {
+  static Recording state;
   return state;
 }
 
@@ -52,24 +52,24 @@ std::string Describe(DiskStep const& step) {
 }
 
 DiskTrace::DiskTrace() {
-  assert(!TheState().active);
-  TheState() = State();
-  TheState().active = true;
+  assert(!Recorded().active);
+  Recorded() = Recording();
+  Recorded().active = true;
 }
 
-DiskTrace::~DiskTrace() { TheState() = State(); }
+DiskTrace::~DiskTrace() { Recorded() = Recording(); }
 
 std::vector<DiskStep> const& DiskTrace::steps() const {
-  return TheState().steps;
+  return Recorded().steps;
 }
 
-bool IsTraced() { return TheState().active; }
+bool IsTraced() { return Recorded().active; }
 
 void TraceOpened(FILE* stream, zWString const& path, platform::Mode mode,
                  bool was_there) {
   if (!IsTraced() || stream == nullptr) return;
   using platform::Mode;
-  TheState().paths[stream] = path.toUtf8();
+  Recorded().paths[stream] = path.toUtf8();
   if (!was_there) {
     TraceStep(DiskStep::Kind::kCreate, path);
   } else if (mode == Mode::kCreate || mode == Mode::kCreateUpdate) {
@@ -81,8 +81,8 @@ void TraceWritten(FILE* stream, std::int64_t offset, void const* bytes,
                   std::size_t size) {
   if (!IsTraced() || size == 0) return;
   auto const* first = static_cast<unsigned char const*>(bytes);
-  TheState().steps.push_back({DiskStep::Kind::kWrite,
-                              TheState().paths[stream],
+  Recorded().steps.push_back({DiskStep::Kind::kWrite,
+                              Recorded().paths[stream],
                               {},
                               offset,
                               {first, first + size}});
@@ -90,15 +90,15 @@ void TraceWritten(FILE* stream, std::int64_t offset, void const* bytes,
 
 void TraceSynced(FILE* stream) {
   if (!IsTraced()) return;
-  TheState().steps.push_back({DiskStep::Kind::kSync, TheState().paths[stream]});
+  Recorded().steps.push_back({DiskStep::Kind::kSync, Recorded().paths[stream]});
 }
 
-void TraceClosed(FILE* stream) { TheState().paths.erase(stream); }
+void TraceClosed(FILE* stream) { Recorded().paths.erase(stream); }
 
 void TraceCopied(zWString const& path) {
   if (!IsTraced()) return;
   TraceStep(DiskStep::Kind::kCreate, path);
-  TheState().steps.push_back({DiskStep::Kind::kWrite,
+  Recorded().steps.push_back({DiskStep::Kind::kWrite,
                               path.toUtf8(),
                               {},
                               0,
@@ -106,12 +106,12 @@ void TraceCopied(zWString const& path) {
 }
 
 void TraceStep(DiskStep::Kind kind, zWString const& path) {
-  if (IsTraced()) TheState().steps.push_back({kind, path.toUtf8()});
+  if (IsTraced()) Recorded().steps.push_back({kind, path.toUtf8()});
 }
 
 void TraceReplaced(zWString const& from, zWString const& to) {
   if (!IsTraced()) return;
-  TheState().steps.push_back(
+  Recorded().steps.push_back(
       {DiskStep::Kind::kRename, from.toUtf8(), to.toUtf8()});
   TraceStep(DiskStep::Kind::kSyncFolder, to);
 }

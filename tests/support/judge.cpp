@@ -1,22 +1,15 @@
 #include "tests/support/judge.h"
 
 #include <array>
-#include <charconv>
 #include <cstdio>
 
 #include "schema/bytes.h"
 #include "schema/part.h"
 #include "table/table_access.h"
+#include "tests/support/decimal.h"
 
 namespace tabwerk::test {
 namespace {
-
-std::string RealText(double value) {
-  std::array<char, 64> text{};
-  auto const end =
-      std::to_chars(text.data(), text.data() + text.size(), value).ptr;
-  return std::string(text.data(), end);
-}
 
 std::string Hex(unsigned char const* bytes, std::size_t size) {
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
@@ -55,7 +48,7 @@ std::string ValueOf(DBTabelle& table) {
   zWString text;
   std::string shown = std::to_string(table.GetType());
   if (table.GetWert(integer) != 0) shown += " " + std::to_string(integer);
-  if (table.GetWert(real) != 0) shown += " " + RealText(real);
+  if (table.GetWert(real) != 0) shown += " " + Decimal(real);
   if (table.GetWert(text) != 0) shown += " \"" + Shown(text.view()) + "\"";
   return shown;
 }
@@ -66,7 +59,7 @@ std::string ValueOf(model::Table const& table) {
   std::u16string text;
   std::string shown = std::to_string(static_cast<int>(table.CurrentType()));
   if (table.GetInteger(&integer) != 0) shown += " " + std::to_string(integer);
-  if (table.GetReal(&real) != 0) shown += " " + RealText(real);
+  if (table.GetReal(&real) != 0) shown += " " + Decimal(real);
   if (table.GetText(&text) != 0) shown += " \"" + Shown(text) + "\"";
   return shown;
 }

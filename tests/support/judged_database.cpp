@@ -31,10 +31,6 @@ Strings AnyFiles(Random& random) {
 
 DBbase& Library() { return *DBbase::GetDBBaseInstance(); }
 
-std::string TextOf(std::vector<unsigned char> const& bytes) {
-  return {bytes.begin(), bytes.end()};
-}
-
 std::vector<unsigned char> BytesOf(std::string const& text) {
   return {text.begin(), text.end()};
 }
@@ -89,7 +85,7 @@ JudgedDatabase::~JudgedDatabase() {
 }
 
 void JudgedDatabase::PutFile(std::string const& name, model::FileImage image) {
-  folder_.Write(name, TextOf(EncodeDatabase(model::ToPlain(image))));
+  folder_.Write(name, AsText(EncodeDatabase(model::ToPlain(image))));
   // What was written has a store of its own for every text.
   model_.disk[name] = std::move(image);
   model_.CompactOnDisk(name);
@@ -345,7 +341,7 @@ bool JudgedDatabase::ChangeIndex() {
       if (random_.OneIn(5)) status = random_.Between(0, 3);
     }
   }
-  folder_.Write(kIndex, TextOf(EncodeIndex(*model_.index)));
+  folder_.Write(kIndex, AsText(EncodeIndex(*model_.index)));
   return Start();
 }
 

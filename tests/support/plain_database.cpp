@@ -4,6 +4,8 @@
 #include <cstring>
 #include <sstream>
 
+#include "tests/support/decimal.h"
+
 namespace tabwerk::test {
 namespace {
 
@@ -181,12 +183,6 @@ Blocks EncodeBlocks(PlainTable const& table) {
   return blocks;
 }
 
-std::string RealText(double value) {
-  char text[64];
-  auto const end = std::to_chars(text, text + sizeof text, value).ptr;
-  return std::string(text, end);
-}
-
 std::string TextAt(Bytes const& bytes, std::size_t at, std::size_t end) {
   std::u16string units;
   for (; at + 2 <= end; at += 2) {
@@ -199,6 +195,10 @@ std::string TextAt(Bytes const& bytes, std::size_t at, std::size_t end) {
 }
 
 }  // namespace
+
+std::string AsText(std::vector<unsigned char> const& bytes) {
+  return {bytes.begin(), bytes.end()};
+}
 
 Bytes EncodeDatabase(PlainDatabase const& database) {
   Bytes bytes;
@@ -244,7 +244,7 @@ Bytes EncodeDatabase(PlainDatabase const& database) {
 
 namespace {
 
-struct Record {
+struct DirectoryRecord {
   PlainTable table;
   std::int32_t row_count, row_size, rows_at, texts_at, text_size;
 };
@@ -269,7 +269,7 @@ bool DecodeHeader(Cursor* cursor, PlainDatabase* database) {
   return true;
 }
 
-bool DecodeRecord(Cursor* cursor, Record* record) {
+bool DecodeRecord(Cursor* cursor, DirectoryRecord* record) {
   if (cursor->Text(3) != "anf") return false;
   record->table.name = cursor->TerminatedText();
   record->table.definition = cursor->TerminatedText();
@@ -283,7 +283,7 @@ bool DecodeRecord(Cursor* cursor, Record* record) {
 }
 
 bool DecodeRows(Bytes const& bytes, std::size_t data, std::size_t text_end,
-                Record* record) {
+                DirectoryRecord* record) {
   auto const types = FieldTypes(record->table.definition);
   Cursor cursor{bytes, data + static_cast<std::size_t>(record->rows_at)};
   auto const start = cursor.at;
@@ -293,7 +293,7 @@ bool DecodeRows(Bytes const& bytes, std::size_t data, std::size_t text_end,
     for (std::size_t i = 0; i < types.size(); ++i) {
       if (i > 0) row += '|';
       if (types[i] == 'r') {
-        row += RealText(cursor.Get<double>());
+        row += Decimal(cursor.Get<double>());
         continue;
       }
       auto const value = cursor.Get<std::int32_t>();
@@ -316,9 +316,9 @@ std::optional<PlainDatabase> DecodeDatabase(Bytes const& bytes) {
   PlainDatabase database;
   Cursor cursor{bytes};
   if (!DecodeHeader(&cursor, &database)) return std::nullopt;
-  std::vector<Record> records;
+  std::vector<DirectoryRecord> records;
   while (cursor.at < bytes.size() && bytes[cursor.at] != 0) {
-    Record record{};
+    DirectoryRecord record{};
     if (!DecodeRecord(&cursor, &record)) return std::nullopt;
     records.push_back(record);
   }

@@ -36,6 +36,9 @@ struct PlainDatabase {
   std::vector<PlainTable> tables;  // in file order
 };
 
+// Bytes as files are written in the tests.
+std::string AsText(std::vector<unsigned char> const& bytes);
+
 std::vector<unsigned char> EncodeDatabase(PlainDatabase const& database);
 // Nothing when the bytes are not a well-formed database file.
 std::optional<PlainDatabase> DecodeDatabase(

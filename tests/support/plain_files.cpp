@@ -10,15 +10,14 @@
 
 namespace tabwerk::test {
 
-using Bytes = std::vector<unsigned char>;
-
-Bytes ReadFileBytes(std::string const& path) {
+std::vector<unsigned char> ReadFileBytes(std::string const& path) {
   std::ifstream stream(std::filesystem::path(path), std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(stream),
-               std::istreambuf_iterator<char>());
+  return {std::istreambuf_iterator<char>(stream),
+          std::istreambuf_iterator<char>()};
 }
 
-void WriteFileBytes(std::string const& path, Bytes const& bytes) {
+void WriteFileBytes(std::string const& path,
+                    std::vector<unsigned char> const& bytes) {
   std::ofstream stream(std::filesystem::path(path), std::ios::binary);
   stream.write(reinterpret_cast<char const*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));

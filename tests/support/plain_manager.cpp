@@ -1,9 +1,9 @@
 #include "tests/support/plain_manager.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstring>
+
+#include "tests/support/decimal.h"
 
 namespace tabwerk::test::model {
 namespace {
@@ -15,19 +15,11 @@ T Load(Bytes const& record, Field const& field) {
   return value;
 }
 
-template <typename T>
-std::string Decimal(T number) {
-  std::array<char, 64> text{};
-  auto const end =
-      std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  return std::string(text.data(), end);
-}
-
 bool IsHigh(char32_t code) { return code >= 0xD800 && code < 0xDC00; }
 bool IsLow(char32_t code) { return code >= 0xDC00 && code < 0xE000; }
 
 // UTF-8, a lone surrogate as three bytes.
-std::string Narrow(std::u16string const& units) {
+std::string Utf8(std::u16string const& units) {
   std::string text;
   auto const put = [&](char32_t byte) { text += static_cast<char>(byte); };
   for (std::size_t i = 0; i < units.size(); ++i) {
@@ -66,7 +58,7 @@ std::string RowText(Definition const& definition, Part const& part,
     }
     if (field.type == Type::kString) {
       auto const index = Load<std::int32_t>(record, field);
-      text += Narrow(TextAt(part.store, index).value_or(u"?"));
+      text += Utf8(TextAt(part.store, index).value_or(u"?"));
     }
   }
   return text;

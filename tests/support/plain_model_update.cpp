@@ -1,7 +1,7 @@
 // Whole rows and the dump of the plain table.
-#include <charconv>
 #include <cstring>
 
+#include "tests/support/decimal.h"
 #include "tests/support/plain_model.h"
 
 namespace tabwerk::test::model {
@@ -16,25 +16,18 @@ std::u16string Wide(std::string const& text) {
   return std::u16string(text.begin(), text.end());
 }
 
-template <typename T>
-std::u16string Decimal(T number) {
-  char text[64];
-  auto const end = std::to_chars(text, text + sizeof text, number).ptr;
-  return Wide(std::string(text, end));
-}
-
 std::u16string Shown(Part const& part, Bytes const& record,
                      Field const& field) {
   auto const* const place = record.data() + field.offset;
   if (field.type == Type::kReal) {
     double value;
     std::memcpy(&value, place, sizeof value);
-    return Decimal(value);
+    return Wide(Decimal(value));
   }
   if (field.type == Type::kUnknown) return u"";
   std::int32_t value;
   std::memcpy(&value, place, sizeof value);
-  if (field.type == Type::kInteger) return Decimal(value);
+  if (field.type == Type::kInteger) return Wide(Decimal(value));
   return u"\"" + TextAt(part.store, value).value_or(u"") + u"\"";
 }
 

@@ -56,22 +56,18 @@ PlainDatabase Generated(PlainHeader header) {
   return {header, 1000, {articles, {"LEER", columns + "\n", {}}, many}};
 }
 
-std::string TextOf(std::vector<unsigned char> const& bytes) {
-  return {bytes.begin(), bytes.end()};
-}
-
 std::vector<Subject> Subjects() {
   std::vector<Subject> subjects;
   for (auto const& name : GoldenFiles()) {
     subjects.push_back({name, HexFile(name)});
   }
   subjects.push_back(
-      {"tables_2014", TextOf(EncodeDatabase(Generated(PlainHeader::kNone)))});
+      {"tables_2014", AsText(EncodeDatabase(Generated(PlainHeader::kNone)))});
   subjects.push_back(
-      {"tables_2016", TextOf(EncodeDatabase(Generated(PlainHeader::k2016)))});
+      {"tables_2016", AsText(EncodeDatabase(Generated(PlainHeader::k2016)))});
   subjects.push_back(
-      {"tables_2018", TextOf(EncodeDatabase(Generated(PlainHeader::k2018)))});
-  subjects.push_back({"tables_2025", TextOf(EncodeDatabase(
+      {"tables_2018", AsText(EncodeDatabase(Generated(PlainHeader::k2018)))});
+  subjects.push_back({"tables_2025", AsText(EncodeDatabase(
                                          Generated(PlainHeader::kCurrent)))});
   return subjects;
 }

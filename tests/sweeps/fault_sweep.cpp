@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 using platform::Error;
 
-bool IsWaitingIndex(std::string const& name) {
+bool MayBeWaitingIndex(std::string const& name) {
   return name.starts_with("STOCK.idx.");
 }
 
@@ -189,7 +189,7 @@ void FaultSweepTest::ExpectSoundFiles() const {
 std::string FaultSweepTest::FilesButWaiting() const {
   std::string text;
   for (auto const& file : fs::directory_iterator(Path("."))) {
-    if (IsWaitingIndex(file.path().filename().string())) {
+    if (MayBeWaitingIndex(file.path().filename().string())) {
       fs::remove(file.path());
     }
   }
@@ -200,10 +200,10 @@ void FaultSweepTest::ExpectNoForeignFiles(
     std::vector<std::string> const& expected) const {
   for (auto const& file : fs::directory_iterator(Path("."))) {
     auto const name = file.path().filename().string();
-    bool const documented = IsWaitingIndex(name) || name.ends_with(".UDBT") ||
-                            name.ends_with(".UDBL") || name.ends_with(".dbT") ||
-                            name.ends_with(".dbL") || name == "STOCK.idxL" ||
-                            name == "STOCK.idxT";
+    bool const documented =
+        MayBeWaitingIndex(name) || name.ends_with(".UDBT") ||
+        name.ends_with(".UDBL") || name.ends_with(".dbT") ||
+        name.ends_with(".dbL") || name == "STOCK.idxL" || name == "STOCK.idxT";
     bool const known =
         std::find(expected.begin(), expected.end(), name) != expected.end();
     EXPECT_TRUE(documented || known) << name;

@@ -10,6 +10,7 @@
 #include "DBDirectory.h"
 #include "platform/platform.h"
 #include "schema/directory_access.h"
+#include "tests/support/database_fixture.h"
 #include "tests/support/plain_database.h"
 #include "tests/support/private_temp.h"
 #include "tests/sweeps/memory_operations.h"
@@ -17,9 +18,7 @@
 namespace tabwerk::test {
 namespace {
 
-constexpr char kDefinition[] = "integer ID,string NAME_OF_THE_ROW\n";
-
-zWString Text(std::string const& utf8) { return zWString::fromUtf8(utf8); }
+constexpr char kIdAndName[] = "integer ID,string NAME_OF_THE_ROW\n";
 
 // Two files in a folder, the second one of other rows.
 class Files {
@@ -37,7 +36,7 @@ class Files {
         folder_.PathUtf8(name),
         EncodeDatabase({PlainHeader::kCurrent,
                         1000,
-                        {{"A", kDefinition, rows}, {"B", kDefinition, {}}}}));
+                        {{"A", kIdAndName, rows}, {"B", kIdAndName, {}}}}));
   }
   TempFolder folder_;
 };
@@ -65,12 +64,12 @@ std::string Describe(DBDirectory const& directory) {
 // A directory of both files, the first one read, and one of a single table.
 struct Directories {
   Directories() {
-    directory.Initialize(Text("A DATABASE OF A LONG NAME"), names);
+    directory.Initialize(W("A DATABASE OF A LONG NAME"), names);
     EXPECT_TRUE(directory.OpenDBdatei(0, false, false));
     directory.SelectTabelle("A");
-    EXPECT_EQ(1, other.AddEntry(new DBDefinition(kDefinition), "A",
-                                Text("elsewhere, at a long path"), true, 3, 0,
-                                0, 0, 0));
+    EXPECT_EQ(
+        1, other.AddEntry(new DBDefinition(kIdAndName), "A",
+                          W("elsewhere, at a long path"), true, 3, 0, 0, 0, 0));
   }
   ~Directories() {
     if (stream != nullptr) (void)platform::Close(stream);
@@ -92,7 +91,7 @@ struct Directories {
   std::vector<zWString> const names{files.Path("MAIN.db"),
                                     files.Path("USER.UDB")};
   zWString const name =
-      Text("ANOTHER DATABASE OF A NAME " + std::string(300, 'N'));
+      W("ANOTHER DATABASE OF A NAME " + std::string(300, 'N'));
   DBDirectory directory;
   DBDirectory other;
   std::optional<DBDirectory> copy;
@@ -109,12 +108,12 @@ struct WithStream : Directories {
 
 // With a new definition to add.
 struct WithDefinition : Directories {
-  DBDefinition* definition = new DBDefinition(kDefinition);
+  DBDefinition* definition = new DBDefinition(kIdAndName);
 };
 
 using D = Directories;
 
-std::vector<Operation> WithoutNeed() {
+std::vector<Operation> DirectoryWithoutNeed() {
   return {
       In<D>(Promise::kNeedsNone,
             {"DBDirEntry::~DBDirEntry()", "DBDirEntry::GetName() const",
@@ -194,7 +193,7 @@ std::vector<Operation> WithoutNeed() {
   };
 }
 
-std::vector<Operation> Making() {
+std::vector<Operation> MakingFiles() {
   return {
       In<D>(Promise::kThrows, {"DBDirEntry::DBDirEntry()"},
             [](D& d) {
@@ -282,20 +281,24 @@ std::vector<Operation> Tables() {
 }
 
 // Writes the first file's directory to a file of its own.
-struct Writing : Directories {
-  Writing() { OpenStream("written.db", platform::Mode::kCreateUpdate); }
+struct WritingDirectory : Directories {
+  WritingDirectory() {
+    OpenStream("written.db", platform::Mode::kCreateUpdate);
+  }
 };
 
 }  // namespace
 
 std::vector<Operation> DirectoryOperations() {
-  auto all = WithoutNeed();
-  for (auto const& more : {Making(), Tables()}) {
+  auto all = DirectoryWithoutNeed();
+  for (auto const& more : {MakingFiles(), Tables()}) {
     all.insert(all.end(), more.begin(), more.end());
   }
-  all.push_back(In<Writing>(
+  all.push_back(In<WritingDirectory>(
       Promise::kFails, {"DBDirectory::WriteToFile(FILE*, unsigned long)"},
-      [](Writing& d) { return d.directory.WriteToFile(d.stream, 0) == 1; }));
+      [](WritingDirectory& d) {
+        return d.directory.WriteToFile(d.stream, 0) == 1;
+      }));
   return all;
 }
 

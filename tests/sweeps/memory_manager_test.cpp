@@ -9,6 +9,7 @@
 
 #include "base/manager_access.h"
 #include "tabwerk.h"
+#include "tests/support/database_fixture.h"
 #include "tests/support/plain_database.h"
 #include "tests/support/private_temp.h"
 #include "tests/sweeps/memory_operations.h"
@@ -18,8 +19,6 @@ namespace {
 
 constexpr char kDefinition[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME\n";
-
-zWString Text(std::string const& utf8) { return zWString::fromUtf8(utf8); }
 
 // Two databases, the second one open for writing.
 struct Manager {
@@ -71,11 +70,11 @@ struct Manager {
   }
 
   TempFolder folder;
-  std::vector<zWString> const names{Text("A DATABASE OF A LONG NAME"),
-                                    Text("B DATABASE OF A LONG NAME")};
+  std::vector<zWString> const names{W("A DATABASE OF A LONG NAME"),
+                                    W("B DATABASE OF A LONG NAME")};
   std::vector<std::vector<zWString>> const files{
       {folder.Path("A.db")}, {folder.Path("B.db"), folder.Path("B.UDB")}};
-  std::vector<zWString> const new_names{Text("C DATABASE OF A LONG NAME")};
+  std::vector<zWString> const new_names{W("C DATABASE OF A LONG NAME")};
   std::vector<std::vector<zWString>> const new_files{{folder.Path("C.db")}};
   zWString const path = folder.Path("B DATABASE OF A LONG NAME.UDB");
   zWString const none;
@@ -83,7 +82,7 @@ struct Manager {
   std::optional<DBbase> made;
   std::vector<zWString> got_names;
   std::vector<std::vector<zWString>> got_files;
-  zWString text = Text("#TS(one that is long enough\u00ACtwo)TS~ and more");
+  zWString text = W("#TS(one that is long enough\u00ACtwo)TS~ and more");
   DBTabelle* table = nullptr;
 };
 
@@ -184,7 +183,7 @@ std::vector<Operation> Configuring() {
   };
 }
 
-std::vector<Operation> Opening() {
+std::vector<Operation> OpeningDatabases() {
   return {
       // A table that found no memory is read when it is opened.  A database
       // that does not open leaves the catalogue: the next time the other one is
@@ -262,7 +261,7 @@ struct Interpreter {
 
 std::vector<Operation> ManagerOperations() {
   auto all = Configuring();
-  auto const more = Opening();
+  auto const more = OpeningDatabases();
   all.insert(all.end(), more.begin(), more.end());
   return all;
 }

@@ -175,7 +175,7 @@ std::vector<Operation> Making() {
   };
 }
 
-std::vector<Operation> WithoutNeed() {
+std::vector<Operation> TableWithoutNeed() {
   return {
       In<T>(Promise::kNeedsNone,
             {"DBTabelle::~DBTabelle()", "DBTabelle::GetDirEntry(bool)",
@@ -450,7 +450,7 @@ std::vector<Operation> Records() {
 
 std::vector<Operation> TableOperations() {
   auto all = Making();
-  for (auto const& more : {WithoutNeed(), Values(), IndicesOfTables(),
+  for (auto const& more : {TableWithoutNeed(), Values(), IndicesOfTables(),
                            ReadingIndices(), Records()}) {
     all.insert(all.end(), more.begin(), more.end());
   }

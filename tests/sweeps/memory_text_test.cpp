@@ -13,7 +13,7 @@ namespace {
 // Longer than what string objects have room for themselves.
 constexpr char kLatin1[] = "a text that is longer than a string object";
 constexpr wchar_t kWide[] = L"a text that is longer than a string object";
-constexpr char16_t kUnits[] = u"a text that is longer than a string object";
+constexpr char16_t k16Bit[] = u"a text that is longer than a string object";
 
 struct Texts {
   std::string State() const {
@@ -27,7 +27,7 @@ struct Texts {
            other_path.GetExtension().toUtf8();
   }
 
-  zWString const source{kUnits};
+  zWString const source{k16Bit};
   zWString const path_text{
       u"/a folder of a long name/a file of a long name.db"};
   std::wstring const wide{kWide};
@@ -71,7 +71,7 @@ std::vector<Operation> MakingTexts() {
              }),
       Throws({"zWString::zWString(char16_t const*)"},
              [](Texts& t) {
-               t.target = zWString(kUnits);
+               t.target = zWString(k16Bit);
                return true;
              }),
       Throws({"zWString::zWString(std::basic_string_view<char16_t"},
@@ -81,7 +81,7 @@ std::vector<Operation> MakingTexts() {
              }),
       Throws({"zWString::zWString(std::__cxx11::basic_string<char16_t"},
              [](Texts& t) {
-               t.target = zWString(std::u16string(kUnits));
+               t.target = zWString(std::u16string(k16Bit));
                return true;
              }),
       Throws({"zWString::zWString(double, int)"},

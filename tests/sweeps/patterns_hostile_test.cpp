@@ -1,5 +1,5 @@
-// Patterns and texts made to hang a matcher, to overflow its stack or to take
-// its memory: an answer, or std::regex_error, in bounded time.
+// HostilePatterns and texts made to hang a matcher, to overflow its stack or to
+// take its memory: an answer, or std::regex_error, in bounded time.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -31,7 +31,7 @@ std::u16string Times(int count, std::u16string_view text) {
   return result;
 }
 
-// --- Patterns
+// --- HostilePatterns
 // -----------------------------------------------------------------
 
 // A few units that are different for every number.
@@ -131,7 +131,7 @@ std::vector<Named> BracketPatterns() {
   };
 }
 
-std::vector<Named> Patterns() {
+std::vector<Named> HostilePatterns() {
   auto patterns = NestedPatterns();
   for (auto const& more : {LongPatterns(), BracketPatterns()}) {
     patterns.insert(patterns.end(), more.begin(), more.end());
@@ -139,10 +139,10 @@ std::vector<Named> Patterns() {
   return patterns;
 }
 
-// --- Texts
+// --- HostileTexts
 // --------------------------------------------------------------------
 
-std::vector<Named> Texts() {
+std::vector<Named> HostileTexts() {
   std::u16string all;
   for (int unit = 1; unit < 0x10000; ++unit) {
     all += static_cast<char16_t>(unit);
@@ -216,8 +216,8 @@ class SweepPatternsHostile : public testing::Test {
 };
 
 TEST_F(SweepPatternsHostile, AnswerInTimeOnASmallStack) {
-  auto const patterns = Patterns();
-  auto const texts = Texts();
+  auto const patterns = HostilePatterns();
+  auto const texts = HostileTexts();
   Sweep const sweep(patterns.size() * texts.size(),
                     static_cast<std::size_t>(ShortCases(80)));
   for (auto i = sweep.first(); i < patterns.size() * texts.size();
@@ -250,7 +250,7 @@ std::u16string LongPattern(int seed) {
 }
 
 TEST_F(SweepPatternsHostile, OfAnyKindAnswerInTimeOnASmallStack) {
-  auto const texts = Texts();
+  auto const texts = HostileTexts();
   int const count = WholeSweep() ? 500 : ShortCases(20);
   for (int seed = 1; seed <= count; ++seed) {
     auto const pattern = LongPattern(seed);

@@ -21,7 +21,7 @@ constexpr long kAllRows = 6;
 constexpr std::chrono::seconds kStandstill{120};
 
 // What tests do to tables, for code that is no test.
-struct Hands : DatabaseTest {
+struct Generations : DatabaseTest {
   using DatabaseTest::Manager;
   using DatabaseTest::SetNumber;
   using DatabaseTest::SetText;
@@ -37,14 +37,15 @@ std::string TextOf(long generation) {
 // A generation is in all rows: in those of the user file as number and text,
 // in those of the first file as the status, which stands in the index alone.
 bool SetGeneration(long generation) {
-  auto* const table = Hands::Table("A");
+  auto* const table = Generations::Table("A");
   bool done = table != nullptr;
   for (long row = 0; row < kAllRows; ++row) {
     done = done &&
            (row < kShippedRows
-                ? Hands::SetNumber(table, row, "STATUS", generation)
-                : Hands::SetNumber(table, row, "NUMBER", generation) &&
-                      Hands::SetText(table, row, "NAME", TextOf(generation)));
+                ? Generations::SetNumber(table, row, "STATUS", generation)
+                : Generations::SetNumber(table, row, "NUMBER", generation) &&
+                      Generations::SetText(table, row, "NAME",
+                                           TextOf(generation)));
   }
   return done;
 }
@@ -53,14 +54,14 @@ bool SetGeneration(long generation) {
 // it was refused.  A save that is refused is tried again.
 CHILD_FUNCTION(SaveGenerations) {
   DBbase::Init({W("STOCK")}, {{W(args[0]), W(args[1])}});
-  if (Hands::Manager()->Open(W("STOCK"), true, false) != 1) return 1;
+  if (Generations::Manager()->Open(W("STOCK"), true, false) != 1) return 1;
   long const last = std::stol(args[2]) + 1;
   long refusals = 0;
   for (long generation = 1; generation <= last; ++generation) {
     // The first one is there before anybody reads.
     if (generation == 2) TellParent("open");
     if (!SetGeneration(generation)) return 2;
-    while (!Hands::Manager()->Write(W("STOCK"), true, W(""))) {
+    while (!Generations::Manager()->Write(W("STOCK"), true, W(""))) {
       if (++refusals > last) return 3;
     }
   }

@@ -220,11 +220,11 @@ void WriteStory::MakeScript() const {
        "1,1,0,\"Anja\"\r\n2,2,0,\"Bert\"\r\n3,3,0,\"Carl\"\r\n"
        "4,4,0,\"Cleo\"\r\n5,5,0,\"Doris\"\r\n");
   text("b.txt", "1,1,0,\"red\"\r\n2,2,0,\"lime\"\r\n");
-  constexpr char kFields[] =
+  constexpr char kColumnLines[] =
       "ID integer\nFOLGE integer\nSTATUS integer\nNAME string\nENDDEF\n";
   std::string const script = "NEWDATABASE stock " + Path("MAIN.db") +
-                             "\nNEWTABLE A\n" + kFields + "TABLEDATA A " +
-                             Path("a.txt") + "\nNEWTABLE B\n" + kFields +
+                             "\nNEWTABLE A\n" + kColumnLines + "TABLEDATA A " +
+                             Path("a.txt") + "\nNEWTABLE B\n" + kColumnLines +
                              "TABLEDATA B " + Path("b.txt") + "\n";
   WriteFileBytes(Path("make.txt"), {script.begin(), script.end()});
 }

@@ -20,8 +20,8 @@ using tabwerk::IdIndex;
 using tabwerk::test::JudgeRandomly;
 using tabwerk::test::ProcessorTime;
 
-constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kSmallestId = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kLargestId = std::numeric_limits<std::int32_t>::max();
 
 using Model = std::map<std::int32_t, std::int32_t>;
 
@@ -31,7 +31,7 @@ std::optional<std::int32_t> LowestFree(Model const& model, std::int32_t from) {
        entry != model.end() && entry->first == id; ++entry) {
     ++id;
   }
-  if (id > kLargest) return std::nullopt;
+  if (id > kLargestId) return std::nullopt;
   return static_cast<std::int32_t>(id);
 }
 
@@ -46,13 +46,13 @@ std::int32_t RandomId(std::mt19937& random, int kind) {
     case 1:
       return between(0, 1) == 0 ? between(1, 100) : between(20000, 20200);
     case 2:
-      return between(kLargest - 200, kLargest);
+      return between(kLargestId - 200, kLargestId);
     case 3:
-      return between(kSmallest, kSmallest + 200);
+      return between(kSmallestId, kSmallestId + 200);
     case 4:
       return between(-3000, 3000);
     default:
-      return between(0, 9) == 0 ? between(kSmallest, kLargest)
+      return between(0, 9) == 0 ? between(kSmallestId, kLargestId)
                                 : between(0, 50) * 1'000'003;
   }
 }
@@ -64,7 +64,7 @@ void ExpectSame(Model const& model, IdIndex const& index) {
   if (!model.empty()) {
     ASSERT_EQ(model.rbegin()->first, index.LargestId());
   }
-  for (std::int32_t const from : {0, 20000, kLargest - 100, kSmallest}) {
+  for (std::int32_t const from : {0, 20000, kLargestId - 100, kSmallestId}) {
     ASSERT_EQ(LowestFree(model, from), index.LowestFreeId(from));
   }
 }
@@ -108,19 +108,19 @@ TEST(IdIndex, RowsOfAnyNumberArePresent) {
   for (std::int32_t const distance : {1, 100'000'000}) {
     IdIndex index;
     index.Set(7, -1);
-    index.Set(7 + distance, kSmallest);
+    index.Set(7 + distance, kSmallestId);
     EXPECT_EQ(-1, index.Find(7));
-    EXPECT_EQ(kSmallest, index.Find(7 + distance));
+    EXPECT_EQ(kSmallestId, index.Find(7 + distance));
     EXPECT_EQ(std::nullopt, index.Find(8 + distance));
   }
 }
 
 TEST(IdIndex, FreeIdFollowsAnArrayWithoutGaps) {
-  for (std::int32_t const first : {20'000, kLargest - 3, kLargest - 2}) {
+  for (std::int32_t const first : {20'000, kLargestId - 3, kLargestId - 2}) {
     IdIndex index;
     index.Reserve(3, first, first + 2);
     for (std::int32_t i = 0; i < 3; ++i) index.Set(first + i, i);
-    auto const behind = first + 2 == kLargest
+    auto const behind = first + 2 == kLargestId
                             ? std::nullopt
                             : std::optional<std::int32_t>(first + 3);
     EXPECT_EQ(behind, index.LowestFreeId(first)) << first;
@@ -129,14 +129,14 @@ TEST(IdIndex, FreeIdFollowsAnArrayWithoutGaps) {
 
 TEST(IdIndex, SmallestAndLargestIdAreIdsLikeOthers) {
   IdIndex index;
-  index.Set(kSmallest, 1);
-  index.Set(kLargest, 2);
+  index.Set(kSmallestId, 1);
+  index.Set(kLargestId, 2);
   index.Set(0, 3);
-  EXPECT_EQ(1, index.Find(kSmallest));
-  EXPECT_EQ(kLargest, index.LargestId());
-  EXPECT_EQ(std::nullopt, index.LowestFreeId(kLargest));
-  index.Erase(kSmallest);
-  index.Erase(kLargest);
+  EXPECT_EQ(1, index.Find(kSmallestId));
+  EXPECT_EQ(kLargestId, index.LargestId());
+  EXPECT_EQ(std::nullopt, index.LowestFreeId(kLargestId));
+  index.Erase(kSmallestId);
+  index.Erase(kLargestId);
   EXPECT_EQ(0, index.LargestId());
   EXPECT_EQ(1u, index.size());
 }
@@ -181,12 +181,12 @@ TEST(IdIndex, StaysRightWhenItsOnlyIdGoes) {
 
 TEST(IdIndex, StaysRightWhenScatteredIdsBecomeDense) {
   IdIndex index;
-  index.Set(kLargest, 1);
+  index.Set(kLargestId, 1);
   index.Set(0, 0);
-  Model model = {{0, 0}, {kLargest, 1}};
+  Model model = {{0, 0}, {kLargestId, 1}};
   ExpectSame(model, index);
-  index.Erase(kLargest);
-  model.erase(kLargest);
+  index.Erase(kLargestId);
+  model.erase(kLargestId);
   for (std::int32_t id = 1; id < 20'000; ++id) {
     index.Set(id, id);
     model[id] = id;
@@ -196,11 +196,11 @@ TEST(IdIndex, StaysRightWhenScatteredIdsBecomeDense) {
 
 TEST(IdIndex, StaysRightWhenRoomIsMadeForScatteredIds) {
   IdIndex index;
-  index.Set(kLargest, 1);
+  index.Set(kLargestId, 1);
   index.Set(0, 0);
   for (std::size_t const count : {10'000u, 1u}) {
     index.Reserve(count);
-    ExpectSame(Model{{0, 0}, {kLargest, 1}}, index);
+    ExpectSame(Model{{0, 0}, {kLargestId, 1}}, index);
   }
 }
 
@@ -219,7 +219,7 @@ TEST(IdIndex, ExpectedIdsAreNotTakenForScattered) {
 }
 
 TEST(IdIndex, FreeIdBehindAFullArray) {
-  for (std::int32_t const first : {0, kLargest - 99}) {
+  for (std::int32_t const first : {0, kLargestId - 99}) {
     IdIndex index;
     index.Reserve(100, first, first + 99);
     for (std::int32_t i = 0; i < 100; ++i) index.Set(first + i, i);
@@ -252,9 +252,9 @@ TEST(IdIndex, AnswersWithoutMemory) {
   EXPECT_EQ(100'000'000, WithoutMemory([&] { return index.LargestId(); }));
   EXPECT_EQ(1'000'001,
             WithoutMemory([&] { return index.LowestFreeId(1'000'000); }));
-  index.Set(kLargest, 0);
+  index.Set(kLargestId, 0);
   EXPECT_EQ(std::nullopt,
-            WithoutMemory([&] { return index.LowestFreeId(kLargest); }));
+            WithoutMemory([&] { return index.LowestFreeId(kLargestId); }));
 }
 
 TEST(IdIndex, ShrinksWithoutMemoryOrNot) {
@@ -296,7 +296,7 @@ TEST(IdIndex, FreeIdsAtTheEndOfTheRangeAreFoundQuickly) {
   for (std::int32_t const first : {0, -1'000'000'000}) {
     IdIndex index;
     index.Set(first, 0);
-    index.Set(kLargest, 0);
+    index.Set(kLargestId, 0);
     EXPECT_GT(kEnoughSeconds, Seconds([&] {
                 for (std::int32_t i = 0; i < 200'000; ++i) {
                   std::int32_t const id = index.LowestFreeId(20'000).value();
@@ -326,8 +326,8 @@ TEST(IdIndex, FarIdThatComesAndGoesDoesNotRebuildEachTime) {
   for (std::int32_t i = 0; i < 200'000; ++i) index.Set(i, i);
   EXPECT_GT(kEnoughSeconds, Seconds([&] {
               for (std::int32_t i = 0; i < 200'000; ++i) {
-                index.Set(kLargest, 0);
-                index.Erase(kLargest);
+                index.Set(kLargestId, 0);
+                index.Erase(kLargestId);
                 index.Set(200'000 + i % 2, 0);
                 if (i % 2 == 1) index.Erase(200'001);
               }

@@ -11,6 +11,7 @@
 
 #include "table/section_source.h"
 #include "table/table_access.h"
+#include "tests/support/container_bytes.h"
 #include "tests/support/new_guard.h"
 #include "tests/support/table_builder.h"
 
@@ -23,20 +24,10 @@ using tabwerk::TableAccess;
 using tabwerk::test::Indices;
 using tabwerk::test::NewGuard;
 using tabwerk::test::Rows;
+using tabwerk::test::Section;
 using tabwerk::test::TestTable;
 
 constexpr char kRows[] = "[5|3|0][900000|2|7][7|1|0]";
-
-std::string Section(std::string_view tag,
-                    std::vector<std::int32_t> const& numbers) {
-  std::string bytes(tag);
-  for (std::int32_t const number : numbers) {
-    for (unsigned shift = 0; shift < 32; shift += 8) {
-      bytes += static_cast<char>(static_cast<std::uint32_t>(number) >> shift);
-    }
-  }
-  return bytes;
-}
 
 class IndexMemory : public testing::Test {
  protected:

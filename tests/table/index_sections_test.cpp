@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "tests/support/container_bytes.h"
 #include "tests/support/private_temp.h"
 #include "tests/support/random_cases.h"
 #include "tests/support/random_table.h"
@@ -24,22 +25,12 @@ using tabwerk::test::Indices;
 using tabwerk::test::JudgeRandomly;
 using tabwerk::test::RandomTable;
 using tabwerk::test::Rows;
+using tabwerk::test::Section;
 using tabwerk::test::Selection;
 using tabwerk::test::StatusIndexOf;
 using tabwerk::test::TestTable;
 
 // "ID" and numbers as the bytes of a section.
-std::string Section(std::string_view tag,
-                    std::vector<std::int32_t> const& numbers) {
-  std::string bytes(tag);
-  for (std::int32_t const number : numbers) {
-    for (unsigned shift = 0; shift < 32; shift += 8) {
-      bytes += static_cast<char>(static_cast<std::uint32_t>(number) >> shift);
-    }
-  }
-  return bytes;
-}
-
 class IndexSections : public testing::Test {
  protected:
   IndexSections() : t_("integer ID,integer FOLGE,integer STATUS\n", 2) {

@@ -14,16 +14,16 @@
 namespace tabwerk::test {
 namespace {
 
-constexpr char kDefinition[] =
+constexpr char kAppendedTo[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME,string BEZ_DIN,"
     "string NOTE\n";
 // Offsets of the string columns.
-constexpr int kName = 12;
-constexpr int kNote = 20;
+constexpr int kNameOffset = 12;
+constexpr int kNoteOffset = 20;
 
 class LookupsAppend : public testing::Test {
  protected:
-  LookupsAppend() : t_(kDefinition, 2) {}
+  LookupsAppend() : t_(kAppendedTo, 2) {}
 
   void Fill(int rows) {
     for (int i = 1; i <= rows; ++i) {
@@ -72,14 +72,16 @@ TEST_F(LookupsAppend, TwoUniqueColumnsCostNoPassForEveryRow) {
 
 TEST_F(LookupsAppend, RowsThatShareATextCostNoPassForEveryRow) {
   Fill(kRows);
-  StoreValue(Record(1) + kName, LoadValue<std::int32_t>(Record(0) + kName));
+  StoreValue(Record(1) + kNameOffset,
+             LoadValue<std::int32_t>(Record(0) + kNameOffset));
   ++t_.Part(0).revision;
   EXPECT_GT(kMostSeconds, AppendAll(kRows));
 }
 
 TEST_F(LookupsAppend, TextsInTheMainFileThatShareCostNoPassEither) {
   Fill(kRows / 2);
-  StoreValue(Record(1) + kName, LoadValue<std::int32_t>(Record(0) + kName));
+  StoreValue(Record(1) + kNameOffset,
+             LoadValue<std::int32_t>(Record(0) + kNameOffset));
   ++t_.Part(0).revision;
   // New rows go into part 0, too, and set an empty text to the empty text.
   ProcessorTime const time;
@@ -100,8 +102,8 @@ TEST_F(LookupsAppend, TextsInTheMainFileThatShareCostNoPassEither) {
 TEST_F(LookupsAppend, TextsAtTheEndOfTheStoreCostNoPassForEveryRow) {
   Fill(kRows / 2);
   auto const count = static_cast<std::int32_t>(t_.Part(0).strings->count());
-  StoreValue(Record(0) + kNote, count);
-  StoreValue(Record(1) + kNote, count + 1'000'000'000);
+  StoreValue(Record(0) + kNoteOffset, count);
+  StoreValue(Record(1) + kNoteOffset, count + 1'000'000'000);
   ++t_.Part(0).revision;
   ProcessorTime const time;
   for (int i = 0; i < kRows / 2; ++i) {

@@ -16,13 +16,13 @@
 namespace tabwerk::test {
 namespace {
 
-constexpr char kDefinition[] =
+constexpr char kSearchedTwice[] =
     "integer ID,integer FOLGE,integer STATUS,string NAME,string NOTE\n";
 // Too long for a string object's own room.
 constexpr wchar_t kLong[] = L"Bertil, whose name is a long one";
 
 std::unique_ptr<TestTable> Make() {
-  auto made = std::make_unique<TestTable>(kDefinition, 2);
+  auto made = std::make_unique<TestTable>(kSearchedTwice, 2);
   made->AddRows(
       0, {"1|1|0|Anna|x", "2|2|0|#TS(Bert¬Bertil, whose name is a long one)TS~",
           "3|3|1|Carl|y"});

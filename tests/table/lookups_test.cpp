@@ -57,7 +57,7 @@ class Lookups : public testing::Test {
   DBTabelle& table_;
 };
 
-std::wstring RandomText(std::mt19937* random) {
+std::wstring AnyValue(std::mt19937* random) {
   static constexpr wchar_t const* kTexts[] = {L"",
                                               L"Anna",
                                               L"Bert",
@@ -78,8 +78,8 @@ void WriteRow(DBTabelle* table, std::mt19937* random) {
   std::map<std::string, std::wstring> values{
       {"ID", std::to_wstring((*random)() % 6)},
       {"STATUS", std::to_wstring((*random)() % 3)},
-      {"NAME", RandomText(random)},
-      {"NOTE", RandomText(random)}};
+      {"NAME", AnyValue(random)},
+      {"NOTE", AnyValue(random)}};
   table->SetZeileWerte(values, kActions[(*random)() % std::size(kActions)]);
 }
 
@@ -122,7 +122,7 @@ void Change(TestTable* made, DBTabelle* other, std::mt19937* random) {
     case 10:
       DumpAway(&table, random);
       if (table.GetType() == DBTypeString) {
-        table.SetWert(RandomText(random).c_str());
+        table.SetWert(AnyValue(random).c_str());
       }
       break;
     case 0:
@@ -141,7 +141,7 @@ void Change(TestTable* made, DBTabelle* other, std::mt19937* random) {
     default:
       // A text on a column of numbers may overwrite another row's text.
       if (table.GetType() == DBTypeString || (*random)() % 16 == 0) {
-        table.SetWert(RandomText(random).c_str());
+        table.SetWert(AnyValue(random).c_str());
       }
   }
 }
@@ -157,7 +157,7 @@ TEST_F(Lookups, AgreeWithAPassOverTheRowsOnRandomChanges) {
     for (int i = 0; i < kChanges; ++i) {
       Change(&made, &other, &random);
       auto const* const column = random() % 4 == 0 ? "NOTE" : "NAME";
-      auto const text = RandomText(&random);
+      auto const text = AnyValue(&random);
       DBTabelle fresh(made.table);
       auto const expected = fresh.SelectZeile(column, text.c_str());
       ASSERT_EQ(expected, made.table.SelectZeile(column, text.c_str()));

@@ -26,7 +26,7 @@ using tabwerk::test::Shortened;
 using tabwerk::test::State;
 using tabwerk::test::TestTable;
 
-constexpr char const* kDefinition = "integer ID,integer FOLGE,integer STATUS\n";
+constexpr char const* kSorted = "integer ID,integer FOLGE,integer STATUS\n";
 
 void MakeIndices(DBTabelle& table) {
   table.MakeIndexID();
@@ -36,7 +36,7 @@ void MakeIndices(DBTabelle& table) {
 
 // The table after its indices were built and its rows renumbered.
 std::string Resorted(std::initializer_list<std::string_view> rows) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.AddRows(0, rows);
   MakeIndices(t.table);
   t.table.ResortIndexID();
@@ -48,7 +48,7 @@ TEST(Resort, ActiveRowsAreNumberedWithoutGaps) {
 }
 
 TEST(Resort, LeavesColumnFolgeAndTheLastRowSelected) {
-  TestTable t(kDefinition, 2);
+  TestTable t(kSorted, 2);
   t.AddRows(0, {"5|1|0"});
   t.AddRows(1, {"6|2|0"});
   MakeIndices(t.table);
@@ -59,7 +59,7 @@ TEST(Resort, LeavesColumnFolgeAndTheLastRowSelected) {
 }
 
 TEST(Resort, NewRowFollowsItsPredecessorInTheRowsOwnOrder) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.AddRows(0, {"5|1|0", "6|2|0"});
   MakeIndices(t.table);
   t.AddRows(0, {"9|3|0"});
@@ -70,7 +70,7 @@ TEST(Resort, NewRowFollowsItsPredecessorInTheRowsOwnOrder) {
 }
 
 TEST(Resort, RecordedStatusGoesToActiveRowsByTheirId) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.AddRows(0, {"5|1|0", "6|2|0", "7|3|2"});
   MakeIndices(t.table);
   TableAccess::Status(t.table) = {1, 0, 0};
@@ -84,7 +84,7 @@ TEST(Resort, OtherStatusBecomes1) {
 }
 
 TEST(Resort, StatusOfAnIdThatTheIndexLacksStays) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.AddRows(0, {"5|1|7"});
   t.table.MakeIndexFolge();
   t.table.ResortIndexID();
@@ -100,7 +100,7 @@ TEST(Resort, RowInNeitherOrderKeepsFolgeZero) {
 }
 
 TEST(Resort, IdThatNoRowHasNumbersTheRowBeforeAgain) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.AddRows(0, {"5|1|0", "6|2|0"});
   MakeIndices(t.table);
   // ID 8 had a place between the two, but its row is gone: the entry of the
@@ -112,7 +112,7 @@ TEST(Resort, IdThatNoRowHasNumbersTheRowBeforeAgain) {
 }
 
 TEST(Resort, GapAtTheFrontNumbersTheLastRowFirst) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.AddRows(0, {"5|2|0", "6|0|0"});
   MakeIndices(t.table);
   t.table.ResortIndexID();
@@ -120,7 +120,7 @@ TEST(Resort, GapAtTheFrontNumbersTheLastRowFirst) {
 }
 
 TEST(Resort, GapInTheRowsOrderSendsLaterUnknownIdsToTheFront) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.AddRows(0, {"5|1|0", "6|0|0", "8|3|0"});
   t.table.MakeIndexID();
   TableAccess::Folge(t.table) = {-1, 0, 1};
@@ -142,7 +142,7 @@ TEST(Resort, MissingColumnsAreNotWrittenElsewhere) {
 }
 
 TEST(Resort, EmptyTableGetsEmptyIndices) {
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   t.table.ResortIndexID();
   EXPECT_EQ("ID  FOLGE -1 STATUS ", Indices(t.table));
 }
@@ -162,7 +162,7 @@ TEST(Resort, EqualsThePlainFormOnRandomTables) {
 
 TEST(Resort, ManyRowsTakeNoQuadraticTime) {
   std::int32_t const rows = Shortened(1'000'000);
-  TestTable t(kDefinition);
+  TestTable t(kSorted);
   ASSERT_NE(nullptr, t.table.SetMemory(
                          std::size_t{12} * static_cast<std::size_t>(rows), 0));
   t.Part(0).row_count = rows;

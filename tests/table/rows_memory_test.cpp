@@ -23,7 +23,7 @@ using tabwerk::test::Store;
 using tabwerk::test::TestTable;
 
 // Everything that a failed operation must leave alone.
-std::string State(TestTable& t) {
+std::string Untouched(TestTable& t) {
   return Rows(*t.entry) + " " + Store(t.Part(0)) + " " + Indices(t.table) +
          " " + Selected(t.table) + " " + std::to_string(t.Part(0).rows.size()) +
          " " + std::to_string(t.Part(0).row_block_size) + " " +
@@ -41,7 +41,7 @@ class TabelleMemory : public testing::TestWithParam<Lasting> {
       t.AddRows(0, {"1|Anna|x"});
       t.table.SelectColumn("NAME");
       t.table.SelectZeile(0L);
-      std::string const before = State(t);
+      std::string const before = Untouched(t);
       FaultGuard faults;
       faults.FailAt(n, GetParam(), kMemoryCalls);
       bool const done = work(t.table);
@@ -53,7 +53,7 @@ class TabelleMemory : public testing::TestWithParam<Lasting> {
       // A block that cannot have a reserve gets by without.
       if (done && GetParam() == Lasting::kOnce) continue;
       EXPECT_FALSE(done) << n;
-      EXPECT_EQ(before, State(t)) << n;
+      EXPECT_EQ(before, Untouched(t)) << n;
     }
   }
 
@@ -97,14 +97,14 @@ TEST_P(TabelleMemory, FailedNewBlockLeavesTheOldOne) {
 
 // As Sweep, with operator new failing from the N-th call on.
 void SweepNew(TestTable& t, std::function<bool()> const& work) {
-  std::string const before = State(t);
+  std::string const before = Untouched(t);
   for (int n = 1;; ++n) {
     NewGuard guard(n);
     bool const done = work();
     bool const fired = guard.Disarm();
     EXPECT_EQ(!fired, done) << n;
     if (!fired) return;
-    EXPECT_EQ(before, State(t)) << n;
+    EXPECT_EQ(before, Untouched(t)) << n;
   }
 }
 

@@ -19,12 +19,11 @@ using tabwerk::test::Selected;
 using tabwerk::test::TestTable;
 using tabwerk::test::Value;
 
-constexpr char const* kDefinition =
-    "integer ID,real PRICE,string NAME,blob DATA\n";
+constexpr char const* kValues = "integer ID,real PRICE,string NAME,blob DATA\n";
 
 class TabelleValues : public testing::Test {
  protected:
-  TabelleValues() : t_(kDefinition, 2) {
+  TabelleValues() : t_(kValues, 2) {
     t_.AddRows(0, {"1|1.5|Anna|", "2|2.5|Bert|"});
     t_.AddRows(1, {"3|3.5|Carl|"});
   }

@@ -21,7 +21,7 @@ using tabwerk::test::Random;
 using tabwerk::test::TestTable;
 
 // Texts that begin, end and interrupt sections in every way.
-std::string RandomText(Random& random) {
+std::string AnySections(Random& random) {
   std::string text;
   for (int i = random.Between(0, 7); i > 0; --i) {
     text += random.PickOf({"a", "b", "#", "#T", "S(", "#TS(", ")TS~", ")",
@@ -51,7 +51,7 @@ class SectionSearch : public testing::Test {
 
   static void Fill(TestTable* t, Random& random) {
     for (int row = random.Between(1, 12); row > 0; --row) {
-      t->AddRow(0, "1|" + RandomText(random));
+      t->AddRow(0, "1|" + AnySections(random));
     }
     DBbase::SetSprache(static_cast<short>(random.Between(0, 2)));
   }
@@ -64,7 +64,7 @@ TEST_F(SectionSearch, RandomTextIsFoundInTheFirstRowThatReadsSo) {
     Fill(&t, random);
     auto const texts = Texts(t.table);
     auto const wanted = random.OneIn(3)
-                            ? zWString::fromUtf8(RandomText(random))
+                            ? zWString::fromUtf8(AnySections(random))
                             : texts[static_cast<std::size_t>(random.Between(
                                   0, static_cast<int>(texts.size()) - 1))];
     std::size_t expected = 0;
