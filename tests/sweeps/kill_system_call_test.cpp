@@ -19,13 +19,6 @@ class SweepKillSystemCall : public KilledStory,
     auto const reason = WhyNoStrace();
     if (!reason.empty()) GTEST_SKIP() << reason;
   }
-
-  bool EndsBefore(KernelCall const& call) const {
-    return !RunUnderStrace(
-        "-o /dev/null -e trace=" + call.name + " -e inject=" + call.name +
-            ":signal=KILL:when=" + std::to_string(call.number),
-        Folder(), GetParam());
-  }
 };
 
 TEST_P(SweepKillSystemCall, LeavesTheOldOrTheNewState) {
@@ -37,7 +30,7 @@ TEST_P(SweepKillSystemCall, LeavesTheOldOrTheNewState) {
   for (auto i = sweep.first(); i < points.size(); i += sweep.step()) {
     SCOPED_TRACE(points[i].line);
     PutImage(start_);
-    if (!EndsBefore(points[i])) {
+    if (!IsKilledBefore(points[i], Folder(), GetParam())) {
       // A random name takes one such call more now and then.
       ASSERT_EQ("getrandom", points[i].name);
       continue;

@@ -126,6 +126,7 @@ std::vector<std::string> NeededSyncs(Writing writing) {
       return {"Sync STOCK.idxT", "SyncFolder STOCK.idx"};
     case Writing::kOpening:
     case Writing::kOpening2:
+    case Writing::kCreation:
       break;
   }
   return {"Sync STOCK.idxT"};

@@ -27,6 +27,18 @@ CHILD_FUNCTION(WriteBetweenMarks) {
   return written ? 0 : 2;
 }
 
+// Runs a program that prepares a writing and carries it out; true when it came
+// to its end.
+bool RunUnderStrace(std::string const& options, std::string const& folder,
+                    Writing writing) {
+  auto const self = fs::read_symlink("/proc/self/exe").string();
+  // The leak checker cannot run where the process is traced already.
+  auto const line = "ASAN_OPTIONS=detect_leaks=0 strace -f -qqq " + options +
+                    " " + self + " --child WriteBetweenMarks " + folder + " " +
+                    NameOf(writing) + " >/dev/null 2>&1";
+  return std::system(line.c_str()) == 0;
+}
+
 }  // namespace
 
 std::string WhyNoStrace() {
@@ -39,14 +51,12 @@ std::string WhyNoStrace() {
 #endif
 }
 
-bool RunUnderStrace(std::string const& options, std::string const& folder,
+bool IsKilledBefore(KernelCall const& call, std::string const& folder,
                     Writing writing) {
-  auto const self = fs::read_symlink("/proc/self/exe").string();
-  // The leak checker cannot run where the process is traced already.
-  auto const line = "ASAN_OPTIONS=detect_leaks=0 strace -f -qqq " + options +
-                    " " + self + " --child WriteBetweenMarks " + folder + " " +
-                    NameOf(writing) + " >/dev/null 2>&1";
-  return std::system(line.c_str()) == 0;
+  return !RunUnderStrace("-o /dev/null -e trace=" + call.name +
+                             " -e inject=" + call.name +
+                             ":signal=KILL:when=" + std::to_string(call.number),
+                         folder, writing);
 }
 
 // A line is "PID name(arguments…".

@@ -12,11 +12,6 @@ namespace tabwerk::test {
 // Why strace is of no use here; empty when it is.
 std::string WhyNoStrace();
 
-// Runs a program that prepares a writing and carries it out; true when it came
-// to its end.
-bool RunUnderStrace(std::string const& options, std::string const& folder,
-                    Writing writing);
-
 // A call to the kernel: "rename" and the K-th call of that name in the life of
 // the process; line is what strace says.
 struct KernelCall {
@@ -24,6 +19,11 @@ struct KernelCall {
   int number;
   std::string line;
 };
+
+// True when the program was killed before that call was carried out; false when
+// it came to its end without it.
+bool IsKilledBefore(KernelCall const& call, std::string const& folder,
+                    Writing writing);
 
 // All calls that the program makes while it carries the writing out.  With more
 // options for strace; when they choose calls, newfstatat must be among them.

@@ -40,10 +40,10 @@ struct Hands : DatabaseTest {
   using DatabaseTest::Table;
 };
 
-bool OpenStockIn(std::string const& folder) {
+bool OpenStockIn(std::string const& folder, bool creates = false) {
   return DBbase::Init({W("STOCK")},
                       {{W(folder + "MAIN.db"), W(folder + "USER.UDB")}}) &&
-         Hands::Manager()->Open(W("STOCK"), true, false) == 1;
+         Hands::Manager()->Open(W("STOCK"), true, creates) == 1;
 }
 
 bool Place(char const* table, long row, long folge, long status) {
@@ -117,16 +117,18 @@ char const* NameOf(Writing writing) {
     case Writing::kOpening:
       return "Opening";
     case Writing::kOpening2:
+      return "Opening2";
+    case Writing::kCreation:
       break;
   }
-  return "Opening2";
+  return "Creation";
 }
 
 Writing WritingOf(std::string const& name) {
   for (Writing const writing : kWritings) {
     if (name == NameOf(writing)) return writing;
   }
-  return Writing::kOpening;
+  return Writing::kCreation;
 }
 
 bool OnlyOpens(Writing writing) {
@@ -150,6 +152,7 @@ bool Prepare(std::string const& folder, Writing writing) {
     case Writing::kScript:
     case Writing::kOpening:
     case Writing::kOpening2:
+    case Writing::kCreation:
       break;
   }
   return true;
@@ -170,6 +173,8 @@ bool CarryOut(std::string const& folder, Writing writing) {
              1;
     case Writing::kIndex:
       return manager->WriteIndexToFile(nullptr) == kIndexWritten;
+    case Writing::kCreation:
+      return OpenStockIn(folder, true);
     case Writing::kOpening:
     case Writing::kOpening2:
       break;

@@ -20,8 +20,10 @@ enum class Writing : std::uint8_t {
   kIndex,     // order and status alone
   kOpening,   // nothing: a save that died before its last step is settled
   kOpening2,  // nothing: two such saves, of both files, are settled
+  kCreation,  // both files made anew, empty
 };
 
+// Those that end in the old or the new state: all but the creation.
 constexpr Writing kWritings[] = {
     Writing::kUserFile, Writing::kMainFile, Writing::kCopy,    Writing::kScript,
     Writing::kIndex,    Writing::kOpening,  Writing::kOpening2};
