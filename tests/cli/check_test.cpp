@@ -128,16 +128,13 @@ TEST_F(ToolCheck, FindsTheOneMistakeInManyRows) {
   EXPECT_EQ(1, run.exit_code);
 }
 
-#ifndef _WIN32
-
 TEST_F(ToolCheckMistakes, AreReportedAsLostOnAFullDisk) {
-  auto const run = RunToolInto("/dev/full", folder_.folder(),
-                               {"check", "stock.db", "--format", "json"});
+  ToolCall call = {{"check", "stock.db", "--format", "json"}, "", {}};
+  call.output = OutputTo::kFullDisk;
+  auto const run = RunWith(call);
   EXPECT_NE(std::string::npos, run.err.find("TW120")) << run.err;
   EXPECT_EQ(3, run.exit_code);
 }
-
-#endif
 
 // --- Sound files -------------------------------------------------------------
 

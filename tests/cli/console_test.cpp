@@ -200,19 +200,33 @@ class ToolConsole : public ToolTest {
     folder_.Make("words", "show\na.db\nT\n--format\ncsv\n");
   }
 
+  // What the tool shows with these arguments, one a line.
+  std::string Shown(std::string const& words, int exit_code) {
+    PseudoConsole console;
+    is_there_ = console.IsThere();
+    if (!is_there_) return "";
+    folder_.Make("words", words);
+    EXPECT_EQ(exit_code, console.Run(Line("65001", ""), folder_.folder()));
+    return console.Finish();
+  }
+
   std::wstring Line(std::string const& code_page,
                     std::string const& more) const {
     return L"\"" + ThisProgram() + L"\" --child RunOnConsole " +
            zWString::fromUtf8(code_page + " words" + more).toStdWString();
   }
+
+  bool is_there_ = true;
 };
+
+constexpr char kNoConsole[] = "the system has no such console";
 
 constexpr char const* kCodePages[] = {"437", "850", "1252", "65001"};
 
 TEST_F(ToolConsole, ShowsEveryCharacterWhateverItsCodePage) {
   for (char const* const code_page : kCodePages) {
     PseudoConsole console;
-    if (!console.IsThere()) GTEST_SKIP() << "the system has no such console";
+    if (!console.IsThere()) GTEST_SKIP() << kNoConsole;
     ASSERT_EQ(0, console.Run(Line(code_page, ""), folder_.folder()));
     std::string const shown = console.Finish();
     for (std::string const text : kTexts) {
@@ -228,10 +242,74 @@ TEST_F(ToolConsole, WritesUtf8ToFilesWhateverItsCodePage) {
   for (std::string const text : kTexts) expected += text + "\n";
   for (char const* const code_page : kCodePages) {
     PseudoConsole console;
-    if (!console.IsThere()) GTEST_SKIP() << "the system has no such console";
+    if (!console.IsThere()) GTEST_SKIP() << kNoConsole;
     ASSERT_EQ(0, console.Run(Line(code_page, " out.txt"), folder_.folder()));
     EXPECT_EQ(expected, folder_.Content("out.txt")) << code_page;
   }
+}
+
+// What is left without the control sequences (ESC [ … letter) and with "\n" for
+// line ends.
+std::string Plain(std::string const& shown) {
+  std::string plain;
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    if (shown[i] == '\x1B') {
+      i = shown.find_first_of(
+          "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", i);
+      if (i == std::string::npos) break;
+    } else if (shown[i] != '\r') {
+      plain += shown[i];
+    }
+  }
+  return plain;
+}
+
+TEST_F(ToolConsole, ShowsATableThatFits) {
+  MakeDatabase("a.db", {PlainHeader::kCurrent,
+                        1000,
+                        {{"T",
+                          "integer ID,string NAME\n",
+                          {"1|Größe", "20|" + std::string(300, 'x')}}}});
+  auto const shown = Shown("show\na.db\nT\n", 0);
+  if (!is_there_) GTEST_SKIP() << kNoConsole;
+  std::string const cut = std::string(115, 'x') + "…";
+  EXPECT_EQ("ID  NAME\n--  " + std::string(116, '-') + "\n 1  Größe\n20  " +
+                cut + "\n",
+            Plain(shown));
+}
+
+TEST_F(ToolConsole, ShowsErrorsInColor) {
+  auto const shown = Shown("info\nnone.db\n", 3);
+  if (!is_there_) GTEST_SKIP() << kNoConsole;
+  EXPECT_NE(std::string::npos, shown.find("\x1B[1;31merror[TW110]:\x1B[0m"))
+      << shown;
+}
+
+TEST_F(ToolConsole, IsGivenNoDatabase) {
+  auto const shown = Shown("convert\na.db\n-o\n-\n", 2);
+  if (!is_there_) GTEST_SKIP() << kNoConsole;
+  EXPECT_EQ(0U, Plain(shown).find("a.db: error[TW157]: a terminal takes no "
+                                  "database"))
+      << shown;
+}
+
+// So many rows that the machine needs more than half a second for them.
+TEST_F(ToolConsole, ShowsABarWhileADatabaseIsBuilt) {
+  folder_.Make("a.script",
+               "NEWDATABASE a a.db\nNEWTABLE T\nID integer\nENDDEF\n"
+               "TABLEDATA T t.txt\n");
+  std::string shown;
+  for (std::size_t rows = 400000; rows <= 6400000; rows *= 2) {
+    std::string text = "\xFF\xFE";
+    for (std::size_t i = 0; i < rows; ++i) text.append("7\0\n\0", 4);
+    folder_.Make("t.txt", text);
+    shown = Shown("build\na.script\n", 0);
+    if (!is_there_) GTEST_SKIP() << kNoConsole;
+    if (shown.find("building a.script  [#") != shown.npos) break;
+  }
+  EXPECT_NE(std::string::npos, shown.find("building a.script  [#")) << shown;
+  EXPECT_NE(std::string::npos, shown.find(" %  ")) << shown;
+  EXPECT_NE(std::string::npos, shown.find("a.db: built with 1 table, "));
 }
 
 #endif

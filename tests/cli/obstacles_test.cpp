@@ -158,7 +158,17 @@ TEST_P(ToolReplacement, ItsFolderIsNotThere) {
   Fails(call, 3);
 }
 
-#ifndef _WIN32
+#ifdef _WIN32
+
+// There is no other user to become; what is read-only nobody writes.
+TEST_P(ToolReplacement, TheFileIsReadOnly) {
+  auto const file = folder_.folder() / GetParam().target;
+  std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+  Fails(Call(), 3);
+  std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+}
+
+#else
 
 // What is written beyond is refused, as where there is no room.
 void LimitFileSize(rlim_t bytes) {
@@ -385,7 +395,7 @@ using ToolPipe = ToolTest;
 
 ToolCall WithoutReader(std::vector<std::string> const& arguments) {
   ToolCall call = {arguments, "", {}};
-  call.without_reader = true;
+  call.output = OutputTo::kPipeWithoutReader;
   return call;
 }
 

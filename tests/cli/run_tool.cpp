@@ -90,6 +90,14 @@ HANDLE PipeWithoutReader() {
   return writer;
 }
 
+HANDLE OpenOutput(OutputTo output, TempFolder const& streams) {
+  streams.WriteBytes("out", "");
+  if (output == OutputTo::kPipeWithoutReader) return PipeWithoutReader();
+  // One for reading stands for a full disk: every writing fails.
+  return OpenInheritable(streams.Path("out").toStdWString(),
+                         output == OutputTo::kFile);
+}
+
 }  // namespace
 
 ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
@@ -105,10 +113,7 @@ ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
   start.hStdInput = OpenInheritable(streams.Path("in").toStdWString(), false);
-  start.hStdOutput =
-      call.without_reader
-          ? PipeWithoutReader()
-          : OpenInheritable(streams.Path("out").toStdWString(), true);
+  start.hStdOutput = OpenOutput(call.output, streams);
   start.hStdError = OpenInheritable(streams.Path("err").toStdWString(), true);
   PROCESS_INFORMATION made = {};
   ToolRun run;
@@ -130,7 +135,7 @@ ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
        {start.hStdInput, start.hStdOutput, start.hStdError}) {
     CloseHandle(handle);
   }
-  if (!call.without_reader) run.out = streams.Content("out");
+  run.out = streams.Content("out");
   run.err = streams.Content("err");
   return run;
 }
@@ -172,6 +177,15 @@ void RedirectToPipeWithoutReader(int target) {
   close(ends[1]);
 }
 
+void RedirectOutput(OutputTo output, std::string const& kept) {
+  if (output == OutputTo::kPipeWithoutReader) {
+    RedirectToPipeWithoutReader(STDOUT_FILENO);
+  } else {
+    Redirect(output == OutputTo::kFullDisk ? "/dev/full" : kept, O_WRONLY,
+             STDOUT_FILENO);
+  }
+}
+
 int WaitFor(pid_t process) {
   int status = 0;
   EXPECT_TRUE(process >= 0 && waitpid(process, &status, 0) == process);
@@ -181,42 +195,22 @@ int WaitFor(pid_t process) {
 
 }  // namespace
 
-namespace {
-
-ToolRun RunInto(char const* output, std::filesystem::path const& folder,
-                ToolCall const& call) {
+ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
   TempFolder const streams;
   streams.WriteBytes("in", call.input);
+  streams.WriteBytes("out", "");
   pid_t const process = fork();
   if (process == 0) {
     Redirect(streams.PathUtf8("in"), O_RDONLY, STDIN_FILENO);
-    if (call.without_reader) {
-      RedirectToPipeWithoutReader(STDOUT_FILENO);
-    } else {
-      Redirect(output != nullptr ? output : streams.PathUtf8("out"),
-               O_WRONLY | O_CREAT, STDOUT_FILENO);
-    }
+    RedirectOutput(call.output, streams.PathUtf8("out"));
     Redirect(streams.PathUtf8("err"), O_WRONLY | O_CREAT, STDERR_FILENO);
     BecomeTool(folder, call);
   }
   ToolRun run;
   run.exit_code = WaitFor(process);
-  if (output == nullptr && !call.without_reader) {
-    run.out = streams.Content("out");
-  }
+  run.out = streams.Content("out");
   run.err = streams.Content("err");
   return run;
-}
-
-}  // namespace
-
-ToolRun RunTool(std::filesystem::path const& folder, ToolCall const& call) {
-  return RunInto(nullptr, folder, call);
-}
-
-ToolRun RunToolInto(char const* output, std::filesystem::path const& folder,
-                    std::vector<std::string> const& arguments) {
-  return RunInto(output, folder, ToolCall{arguments, "", {}});
 }
 
 ToolRun RunToolOnTerminal(std::filesystem::path const& folder,

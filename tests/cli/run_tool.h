@@ -15,6 +15,13 @@ struct ToolRun {
   std::string err;
 };
 
+// Where standard output goes.
+enum class OutputTo {
+  kFile,               // for ToolRun::out
+  kPipeWithoutReader,  // one that nobody reads any more
+  kFullDisk,
+};
+
 // What a run is given.  Texts are UTF-8, input is bytes.
 struct ToolCall {
   std::vector<std::string> arguments;
@@ -22,8 +29,7 @@ struct ToolCall {
   // Variables beside those of the test; an empty value stands for "not set".
   // NO_COLOR and TERM never come from the test.
   std::vector<std::pair<std::string, std::string>> environment;
-  // Standard output is a pipe that nobody reads any more.
-  bool without_reader = false;
+  OutputTo output = OutputTo::kFile;
 #ifndef _WIN32
   // Called in the new process, when its streams are set, before the tool.
   void (*prepare)() = nullptr;
@@ -45,9 +51,6 @@ ToolRun RunToolOnTerminal(std::filesystem::path const& folder,
 ToolRun RunToolOnTerminal(std::filesystem::path const& folder,
                           std::vector<std::string> const& arguments,
                           int columns);
-// The same with standard output in that file.
-ToolRun RunToolInto(char const* output, std::filesystem::path const& folder,
-                    std::vector<std::string> const& arguments);
 #endif
 
 }  // namespace tabwerk::test
