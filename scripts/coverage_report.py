@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Prints what gcovr's JSON report says: the lines that no test runs and the
-branches of which only some are taken, and a table by layer.
+"""Prints what gcovr's JSON reports say, of different files each: the lines that
+no test runs and the branches of which only some are taken, and a table by layer.
 
-    coverage_report.py [--all] REPORT MINIMUM_LINES MINIMUM_BRANCHES
+    coverage_report.py [--all] MINIMUM_LINES MINIMUM_BRANCHES REPORT...
 
 What cmake/coverage.txt argues is not printed without --all.  Fails when
 something else is not taken, when an argued line is taken in all directions or
@@ -47,16 +47,23 @@ def gap_of(line):
     return f"{taken.count(True)} of {len(taken)} taken"
 
 
+def layer_of(path):
+    name = path.split(os.sep)[0]
+    return name + " (Windows)" if "/os_windows" in path else name
+
+
 def main():
     arguments = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     arguments.add_argument("--all", action="store_true")
-    arguments.add_argument("report")
     arguments.add_argument("minimum_lines", type=float)
     arguments.add_argument("minimum_branches", type=float)
+    arguments.add_argument("reports", nargs="+")
     options = arguments.parse_args()
 
-    with open(options.report, encoding="utf-8") as source:
-        files = json.load(source)["files"]
+    files = []
+    for report in options.reports:
+        with open(report, encoding="utf-8") as source:
+            files += json.load(source)["files"]
     argued = Argued(ROOT / "cmake" / "coverage.txt")
     layers = collections.defaultdict(Sum)
     whole = Sum()
@@ -69,7 +76,7 @@ def main():
         for line in entry["lines"]:
             if line.get("gcovr/noncode"):
                 continue
-            layers[path.split(os.sep)[0]].add(line)
+            layers[layer_of(path)].add(line)
             whole.add(line)
             what = gap_of(line)
             if not what:

@@ -57,7 +57,9 @@ TEST_F(PlatformFile, PathWithNulIsRefusedNotCut) {
   EXPECT_EQ(Error::kNotFound, Refusal(path, Mode::kCreate));
   EXPECT_EQ(Error::kNotFound, platform::Delete(path));
   EXPECT_EQ(Error::kNotFound, platform::Copy(path, folder_.Path("b")));
+  EXPECT_EQ(Error::kNotFound, platform::Copy(folder_.Path("a"), path));
   EXPECT_EQ(Error::kNotFound, platform::Replace(folder_.Path("a"), path));
+  EXPECT_EQ(Error::kNotFound, platform::Replace(path, folder_.Path("a")));
   EXPECT_FALSE(platform::Exists(path));
   EXPECT_FALSE(platform::ClearReadOnly(path));
   EXPECT_EQ("x", folder_.Content("a"));
@@ -70,6 +72,7 @@ TEST_F(PlatformFile, FolderDoesNotOpen) {
   EXPECT_EQ(Error::kAccessDenied, Refusal(folder_.Path("sub"), Mode::kCreate));
   EXPECT_EQ(nullptr,
             platform::OpenPlain(folder_.Path("sub").toUtf8().c_str(), "rb"));
+  EXPECT_FALSE(platform::ClearReadOnly(folder_.Path("sub")));
 }
 
 TEST_F(PlatformFile, ReadOnlyFileOpensForReadingOnly) {
@@ -213,6 +216,10 @@ TEST_F(PlatformFile, PlainStreamsOpenAsTheModeSays) {
   EXPECT_EQ("x", ReadSome(stream, 9));
   EXPECT_TRUE(platform::Close(stream));
   EXPECT_EQ(nullptr, platform::OpenPlain("", "rb"));
+  EXPECT_EQ(nullptr, platform::OpenPlain(nullptr, "rb"));
+  EXPECT_EQ(nullptr, platform::OpenPlain(path.c_str(), nullptr));
+  EXPECT_EQ(nullptr,
+            platform::OpenPlain(std::string(100'000, 'a').c_str(), "rb"));
 }
 
 TEST_F(PlatformFile, ExistsTakesNoPatterns) {
@@ -310,6 +317,7 @@ TEST_F(PlatformFile, TemporaryFilesAreNewAndEmpty) {
     EXPECT_EQ(Error::kNone, platform::Delete(path));
   }
   EXPECT_EQ(zWString(), platform::MakeTempFile(folder_.Path("none/"), "dta"));
+  EXPECT_EQ(zWString(), platform::MakeTempFile(zWString(), "dta"));
 }
 
 TEST_F(PlatformFile, NowIsInThisCentury) {
