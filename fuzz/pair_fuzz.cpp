@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "DBbase.h"
 #include "fuzz/fuzz_support.h"
@@ -56,9 +57,21 @@ void RequireSoundIndices() {
   }
 }
 
-// A new row in the first table that takes one.  False when one was refused half
-// written: some of its values may have gone into a shipped row, where the save
-// of a user file does not keep them.
+// False when a name is written before the ID of its row: it then goes into the
+// row with the ID 0, where there is one.
+bool NamesFollowTheId(DBDirEntry const& entry) {
+  for (auto const* field = entry.GetDefinition()->GetDefinition();
+       field != nullptr; field = field->next) {
+    std::string_view const name = field->name;
+    if (name == "ID") return true;
+    if (name == "NAME" || name == "BEZ_DIN") return false;
+  }
+  return true;
+}
+
+// A new row in the first table that takes one.  False when some of its values
+// may have gone into a shipped row, where the save of a user file does not keep
+// them: one was refused half written, or its table knows it by no ID.
 bool AddRow() {
   auto& manager = *DBbase::GetDBBaseInstance();
   for (auto const* entry = manager.GetDirectory()->GetEntries();
@@ -71,7 +84,7 @@ bool AddRow() {
     bool const appended = table->SetZeileWerte(values, DBTabelle::ActionAppend);
     long const added = table->GetAnzahlZeilen() - rows;
     Require(added >= (appended ? 1 : 0) && added <= 1, "one row is appended");
-    if (appended) return true;
+    if (appended) return NamesFollowTheId(*entry);
     if (added > 0) return false;
   }
   return true;
