@@ -5,6 +5,10 @@
 // could be kept.  The next one makes them all.
 #include <gtest/gtest.h>
 
+#include <map>
+#include <string>
+#include <vector>
+
 #include "tests/support/child_process.h"
 #include "tests/support/fault_platform.h"
 #include "tests/support/sweep.h"
