@@ -295,14 +295,9 @@ TEST_F(ToolConsole, IsGivenNoDatabase) {
 
 // So many rows that the machine needs more than half a second for them.
 TEST_F(ToolConsole, ShowsABarWhileADatabaseIsBuilt) {
-  folder_.Make("a.script",
-               "NEWDATABASE a a.db\nNEWTABLE T\nID integer\nENDDEF\n"
-               "TABLEDATA T t.txt\n");
   std::string shown;
   for (std::size_t rows = 400000; rows <= 6400000; rows *= 2) {
-    std::string text = "\xFF\xFE";
-    for (std::size_t i = 0; i < rows; ++i) text.append("7\0\n\0", 4);
-    folder_.Make("t.txt", text);
+    MakeLongScript(rows);
     shown = Shown("build\na.script\n", 0);
     if (!is_there_) GTEST_SKIP() << kNoConsole;
     if (shown.find("building a.script  [#") != shown.npos) break;

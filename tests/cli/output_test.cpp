@@ -372,14 +372,9 @@ TEST_F(ToolProgress, ShowsBarRateAndRemainingTime) {
 
 // So many rows that the machine needs more than half a second for them.
 TEST_F(ToolOutput, TerminalShowsABarWhileADatabaseIsBuilt) {
-  folder_.Make("a.script",
-               "NEWDATABASE a a.db\nNEWTABLE T\nID integer\nENDDEF\n"
-               "TABLEDATA T t.txt\n");
   std::string shown;
   for (std::size_t rows = 200000; rows <= 6400000; rows *= 2) {
-    std::string text = "\xFF\xFE";
-    for (std::size_t i = 0; i < rows; ++i) text.append("7\0\n\0", 4);
-    folder_.Make("t.txt", text);
+    MakeLongScript(rows);
     auto const run =
         RunToolOnTerminal(folder_.folder(), {"build", "a.script"}, 80);
     EXPECT_EQ(0, run.exit_code);

@@ -55,6 +55,15 @@ void ToolTest::MakeExample() const {
   for (auto const& [name, bytes] : ExampleFiles()) folder_.Make(name, bytes);
 }
 
+void ToolTest::MakeLongScript(std::size_t rows) const {
+  folder_.Make("a.script",
+               "NEWDATABASE a a.db\nNEWTABLE T\nID integer\nENDDEF\n"
+               "TABLEDATA T t.txt\n");
+  std::string text = "\xFF\xFE";
+  for (std::size_t i = 0; i < rows; ++i) text.append("7\0\n\0", 4);
+  folder_.Make("t.txt", text);
+}
+
 void ToolTest::MakeUnits(std::string const& name, std::string_view utf8,
                          bool with_mark) const {
   std::string bytes = with_mark ? "\xFF\xFE" : "";

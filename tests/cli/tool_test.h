@@ -37,6 +37,9 @@ class ToolTest : public testing::Test {
   // geo.db and GEO.UDB, built of examples/reference.
   void MakeExample() const;
 
+  // a.script, which builds a.db with so many rows in the table T.
+  void MakeLongScript(std::size_t rows) const;
+
   // Names, bytes and times of all files in the folder and below.
   std::string Snapshot() const;
   // Runs it and expects that no file is another afterwards.
